@@ -24,6 +24,8 @@ EnvVarGuard::EnvVarGuard(std::string name, std::optional<std::string> value)
     assign(name_, value);
 }
 
-EnvVarGuard::~EnvVarGuard() { assign(name_, previous_); }
+EnvVarGuard::~EnvVarGuard() {
+    assign(name_, previous_);
+}
 
 }  // namespace testsupport

@@ -11,7 +11,8 @@
 namespace testsupport {
 
 TempDir::TempDir() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "settingscore-test-XXXXXX").string();
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / "settingscore-test-XXXXXX").string();
     if (!::mkdtemp(pattern.data())) {
         throw std::runtime_error("mkdtemp failed for " + pattern);
     }

@@ -1,5 +1,7 @@
 #include <platform/hf/i18n/Conversion.hpp>
 
+#include <platform/hf/i18n/detail/Utf8Decoder.hpp>
+
 #include <boost/locale/encoding_utf.hpp>
 
 #include <cstdlib>
@@ -12,7 +14,13 @@ std::string to_string(const std::wstring& text) {
 }
 
 std::wstring to_ustring(const std::string& text) {
-    return boost::locale::conv::utf_to_utf<wchar_t>(text, boost::locale::conv::skip);
+    // Not utf_to_utf with skip: after a cut-off sequence it also drops the next character.
+    std::wstring result;
+    result.reserve(text.size());
+    detail::decodeUtf8(
+        text.data(), text.size(),
+        [&result](char32_t codePoint) { result += static_cast<wchar_t>(codePoint); }, [] {});
+    return result;
 }
 
 std::wstring codecvt_ascii_to_ustring(const std::string& text) {
