@@ -1,0 +1,48 @@
+#include <platform/hostsvc/msg_svc/exchange/IDType.hpp>
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <thread>
+#include <unordered_set>
+#include <vector>
+
+namespace {
+
+using hostsvc::msg_svc::exchange::IDType;
+
+// Each thread has its own generator: ids from 8 threads at once must never repeat, as they
+// would if two threads' generators started from the same seed. Text, hash and order must all
+// tell them apart.
+TEST(IDTypeTest, ManyThreadsMakeDistinctIdsOfThirtyTwoHexDigits) {
+    constexpr std::size_t threadCount = 8, perThread = 10000;
+    std::vector<std::vector<IDType>> made(threadCount);
+    std::vector<std::thread> threads;
+    for (auto& ids : made) {
+        threads.emplace_back([&ids] { ids.resize(perThread); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    std::unordered_set<std::string> texts;
+    std::unordered_set<IDType> hashed;
+    std::set<IDType> ordered;
+    for (const std::vector<IDType>& ids : made) {
+        for (const IDType& id : ids) {
+            const std::string text = id.toString();
+            ASSERT_EQ(32u, text.size()) << text;
+            ASSERT_EQ(std::string::npos, text.find_first_not_of("0123456789abcdef")) << text;
+            texts.insert(text);
+            hashed.insert(id);
+            ordered.insert(id);
+        }
+    }
+    EXPECT_EQ(threadCount * perThread, texts.size());
+    EXPECT_EQ(threadCount * perThread, hashed.size());
+    EXPECT_EQ(threadCount * perThread, ordered.size());
+    const IDType copy = made[0][0];
+    EXPECT_TRUE(copy == made[0][0] && !(copy != made[0][0]) && !(copy < made[0][0]));
+}
+
+}  // namespace
