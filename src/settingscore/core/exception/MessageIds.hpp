@@ -32,12 +32,12 @@ public:
 }  // namespace core
 }  // namespace settings
 
-#define SETTINGSCORE_DECLARE_MESSAGE(Key, ArgCount)                                      \
-    class Key : public ::settings::core::detail::CoreMessage<ArgCount> {                 \
-    public:                                                                              \
-        static constexpr std::size_t argCount = ArgCount;                                \
-        template <class... Args>                                                         \
-        explicit Key(const Args&... args) : CoreMessage<ArgCount>(#Key, args...) {}      \
+#define SETTINGSCORE_DECLARE_MESSAGE(Key, ArgCount)                                 \
+    class Key : public ::settings::core::detail::CoreMessage<ArgCount> {            \
+    public:                                                                         \
+        static constexpr std::size_t argCount = ArgCount;                           \
+        template <class... Args>                                                    \
+        explicit Key(const Args&... args) : CoreMessage<ArgCount>(#Key, args...) {} \
     }
 
 namespace TOLVAN {
