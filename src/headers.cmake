@@ -53,8 +53,6 @@ set(SETTINGSCORE_INSTALLED_HEADERS
     platform/hostsvc/msg_svc/eventmgr/TypeInformation.hpp
     platform/hostsvc/msg_svc/eventmgr/detail/DerivedTypeInformation.hpp
     platform/hostsvc/msg_svc/eventmgr/detail/SubscriptionCount.hpp
-    platform/hostsvc/msg_svc/eventmgr/detail/SubscriptionCountByType.hpp
-    platform/hostsvc/msg_svc/eventmgr/detail/SubscriptionCountByTypedInstance.hpp
     platform/hostsvc/msg_svc/exchange/IDType.hpp
     platform/tvutil/contextmgr/ContextBase.hpp
     platform/tvutil/contextmgr/ContextFactoryBase.hpp

@@ -1,8 +1,7 @@
 #include "TestEvents.hpp"
 
 #include <platform/hostsvc/msg_svc/eventmgr/EventMgr.hpp>
-#include <platform/hostsvc/msg_svc/eventmgr/detail/SubscriptionCountByType.hpp>
-#include <platform/hostsvc/msg_svc/eventmgr/detail/SubscriptionCountByTypedInstance.hpp>
+#include <platform/hostsvc/msg_svc/eventmgr/detail/SubscriptionCount.hpp>
 
 #include <gtest/gtest.h>
 

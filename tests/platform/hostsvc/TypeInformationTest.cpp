@@ -1,6 +1,6 @@
 #include "TestEvents.hpp"
 
-#include <platform/hostsvc/msg_svc/eventmgr/detail/SubscriptionCountByTypedInstance.hpp>
+#include <platform/hostsvc/msg_svc/eventmgr/detail/SubscriptionCount.hpp>
 
 #include <gtest/gtest.h>
 

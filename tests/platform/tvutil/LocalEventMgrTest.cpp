@@ -1,6 +1,6 @@
 #include <platform/hostsvc/msg_svc/eventmgr/BaseEvent.hpp>
 #include <platform/hostsvc/msg_svc/eventmgr/detail/DerivedTypeInformation.hpp>
-#include <platform/hostsvc/msg_svc/eventmgr/detail/SubscriptionCountByType.hpp>
+#include <platform/hostsvc/msg_svc/eventmgr/detail/SubscriptionCount.hpp>
 #include <platform/tvutil/eventmgr/LocalEventMgr.hpp>
 
 #include <gtest/gtest.h>
