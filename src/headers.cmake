@@ -16,9 +16,42 @@ set(SETTINGSCORE_INSTALLED_HEADERS
     settingscore/treestore/boostany/detail/TypeExportHook.hpp
     settingscore/treestore/boostany/detail/TypeList.hpp
 
-    # settings core
+    # settings core: nodes, roots and entry points
+    settingscore/core/ArraySizeBounds.hpp
+    settingscore/core/FakeSettingsTreeNode.hpp
+    settingscore/core/Settings.hpp
+    settingscore/core/SettingsContext.hpp
     settingscore/core/SettingsFwd.hpp
+    settingscore/core/SettingsKeyMetaData.hpp
+    settingscore/core/SettingsProperties.hpp
+    settingscore/core/SettingsTypes.hpp
+    settingscore/core/TSettings.hpp
+    settingscore/core/detail/NameToObjectTransformer.hpp
+
+    # callouts
+    settingscore/core/callouts/CFunctionInvoker.hpp
+    settingscore/core/callouts/CRunTimeDefault.hpp
+    settingscore/core/callouts/CValidator.hpp
+    settingscore/core/callouts/CalloutVariants.hpp
+    settingscore/core/callouts/JRunTimeDefault.hpp
+    settingscore/core/callouts/JValidator.hpp
+    settingscore/core/callouts/TOLVANFunctionInvoker.hpp
+    settingscore/core/callouts/TRunTimeDefault.hpp
+    settingscore/core/callouts/TValidator.hpp
     settingscore/core/callouts/VersionInfo.hpp
+
+    # events
+    settingscore/core/events/SettingsAddNodeEvent.hpp
+    settingscore/core/events/SettingsEvent.hpp
+    settingscore/core/events/SettingsRemoveNodeEvent.hpp
+    settingscore/core/events/SettingsValueChangeEvent.hpp
+
+    # storage
+    settingscore/core/storage/PreferencesDirectory.hpp
+    settingscore/core/storage/SettingsLevel.hpp
+    settingscore/core/storage/SettingsLevelManager.hpp
+
+    # failures
     settingscore/core/exception/CalloutExceptions.hpp
     settingscore/core/exception/Exceptions.hpp
     settingscore/core/exception/ExportAndMergeExceptions.hpp

@@ -9,6 +9,7 @@
 #include <boost/thread/locks.hpp>
 #include <boost/thread/shared_mutex.hpp>
 
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -102,7 +103,10 @@ public:
     }
 
 private:
-    using Table = tbb::concurrent_hash_map<key_type, mapped_type>;
+    // The standard allocator rather than TBB's pool: entries live as long as the process in
+    // some maps, and memory checkers must see the pointers they hold.
+    using Table = tbb::concurrent_hash_map<key_type, mapped_type, tbb::tbb_hash_compare<key_type>,
+                                           std::allocator<std::pair<const key_type, mapped_type>>>;
 
     mutable boost::shared_mutex mutex_;
     Table table_;

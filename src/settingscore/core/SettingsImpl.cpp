@@ -1,0 +1,124 @@
+// SettingsImpl: construction, the plain flag and name getters, validators and identity.
+#include <settingscore/core/SettingsImpl.hpp>
+
+#include <boost/pointer_cast.hpp>
+
+namespace settings {
+namespace core {
+
+SettingsImpl::SettingsImpl(const std::string& name, bool isKey,
+                           const boost::optional<bool>& visible, const ValidatorVariant& validator,
+                           const boost::shared_ptr<SettingsImpl>& parent)
+    : SettingsImpl(name, isKey, visible, boost::none, validator, Writable, parent) {}
+
+SettingsImpl::SettingsImpl(const std::string& name, bool isKey,
+                           const boost::optional<bool>& visible, const ValidatorVariant& validator,
+                           int readOnlyState, const boost::shared_ptr<SettingsImpl>& parent)
+    : SettingsImpl(name, isKey, visible, boost::none, validator, readOnlyState, parent) {}
+
+SettingsImpl::SettingsImpl(const std::string& name, bool isKey,
+                           const boost::optional<bool>& visible,
+                           const boost::optional<unsigned>& version,
+                           const ValidatorVariant& validator, int readOnlyState,
+                           const boost::shared_ptr<SettingsImpl>& parent)
+    : name_(name),
+      isKey_(isKey),
+      visible_(visible),
+      readOnlyState_(readOnlyState),
+      version_(version),
+      parent_(parent),
+      validator_(validator) {}
+
+SettingsImpl::SettingsImpl(const SettingsImpl& other)
+    : TSettings(),
+      boost::enable_shared_from_this<SettingsImpl>(),
+      name_(other.name_),
+      isKey_(other.isKey_),
+      visible_(other.visible_),
+      readOnlyState_(other.readOnlyState_),
+      version_(other.version_),
+      validator_(other.validator_),
+      metaData_(other.metaData_),
+      runTimeDefault_(other.runTimeDefault_) {
+    {
+        boost::shared_lock<boost::shared_mutex> caches(detail::keyCacheMutex());
+        typeConformer_ = other.typeConformer_;
+        arraySizeBounds_ = other.arraySizeBounds_;
+        typeCode_ = other.typeCode_;
+    }
+    if (other.loadAttempted_.load()) {
+        // The source's load already ran (or is running): the copy must never load again.
+        loadAttempted_.store(true);
+        boost::call_once(loadOnce_, [] {});
+    }
+}
+
+SettingsImpl::~SettingsImpl() = default;
+
+std::string SettingsImpl::getName() const {
+    return name_;
+}
+
+bool SettingsImpl::isKey() const {
+    return isKey_;
+}
+
+bool SettingsImpl::isRoot() const {
+    return false;
+}
+
+bool SettingsImpl::isRootImpl() const {
+    return false;
+}
+
+bool SettingsImpl::isVisible() const {
+    detail::SharedLock lock(detail::rootMutex());
+    return visible_.value_or(false);
+}
+
+boost::optional<int> SettingsImpl::getDataType() const {
+    ensureLoaded();
+    detail::SharedLock lock(detail::rootMutex());
+    boost::shared_lock<boost::shared_mutex> caches(detail::keyCacheMutex());
+    return typeCode_;
+}
+
+const ValidatorVariant& SettingsImpl::getValidator() const {
+    detail::SharedLock lock(detail::rootMutex());
+    return validator_;
+}
+
+void SettingsImpl::setValidator(ValidatorVariant validator) {
+    {
+        detail::UpgradeLock lock(detail::rootMutex());
+        detail::UniqueFromUpgrade exclusive(lock);
+        validator_.swap(validator);
+    }
+    // `validator` now holds the old one and dies here, after the lock is gone.
+}
+
+void SettingsImpl::setRecordEvents(bool) {}
+
+hostsvc::msg_svc::exchange::IDType SettingsImpl::getNodeId() const {
+    return nodeId_;
+}
+
+boost::shared_ptr<Settings> SettingsImpl::getSharedThis() {
+    return shared_from_this();
+}
+
+boost::shared_ptr<const Settings> SettingsImpl::getSharedThis() const {
+    return shared_from_this();
+}
+
+boost::shared_ptr<SettingsImpl> SettingsImpl::implOf(const boost::shared_ptr<Settings>& node) {
+    return boost::dynamic_pointer_cast<SettingsImpl>(node);
+}
+
+boost::shared_ptr<const SettingsImpl> SettingsImpl::implOf(
+    const boost::shared_ptr<const Settings>& node) {
+    return boost::dynamic_pointer_cast<const SettingsImpl>(node);
+}
+
+}  // namespace core
+}  // namespace settings
