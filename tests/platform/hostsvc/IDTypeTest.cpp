@@ -33,6 +33,9 @@ TEST(IDTypeTest, ManyThreadsMakeDistinctIdsOfThirtyTwoHexDigits) {
             const std::string text = id.toString();
             ASSERT_EQ(32u, text.size()) << text;
             ASSERT_EQ(std::string::npos, text.find_first_not_of("0123456789abcdef")) << text;
+            std::wstring wide = L"tag";
+            id.appendTo(wide);
+            ASSERT_EQ(L"tag" + std::wstring(text.begin(), text.end()), wide);
             texts.insert(text);
             hashed.insert(id);
             ordered.insert(id);

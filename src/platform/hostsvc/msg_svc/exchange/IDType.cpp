@@ -23,15 +23,30 @@ Generator& threadGenerator() {
 
 IDType::IDType() : uuid_(threadGenerator()()) {}
 
-std::string IDType::toString() const {
+namespace {
+
+template <class Char>
+void appendHex(const boost::uuids::uuid& uuid, std::basic_string<Char>& out) {
     static const char digits[] = "0123456789abcdef";
-    std::string text;
-    text.reserve(2 * uuid_.size());
-    for (const std::uint8_t byte : uuid_) {
-        text.push_back(digits[byte >> 4]);
-        text.push_back(digits[byte & 0x0f]);
+    const std::size_t start = out.size();
+    out.resize(start + 2 * uuid.size());
+    Char* next = &out[start];
+    for (const std::uint8_t byte : uuid) {
+        *next++ = static_cast<Char>(digits[byte >> 4]);
+        *next++ = static_cast<Char>(digits[byte & 0x0f]);
     }
+}
+
+}  // namespace
+
+std::string IDType::toString() const {
+    std::string text;
+    appendHex(uuid_, text);
     return text;
+}
+
+void IDType::appendTo(std::wstring& out) const {
+    appendHex(uuid_, out);
 }
 
 std::size_t IDType::hashValue() const noexcept {

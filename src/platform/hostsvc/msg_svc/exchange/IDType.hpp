@@ -20,6 +20,8 @@ public:
 
     // The id as 32 lowercase hex digits, without separators.
     std::string toString() const;
+    // Appends the same 32 digits to `out`, as wide text, without a temporary.
+    void appendTo(std::wstring& out) const;
 
     // A hash of the id for unordered containers.
     std::size_t hashValue() const noexcept;

@@ -3,15 +3,18 @@
 #include <settingscore/core/SettingsImpl.hpp>
 #include <settingscore/core/detail/LockInstantiation.hpp>
 
-#include <platform/hf/i18n/Conversion.hpp>
-
 namespace settings {
 namespace core {
 namespace detail {
 
 std::wstring eventTag(const std::wstring& typeName,
                       const hostsvc::msg_svc::exchange::IDType& nodeId) {
-    return typeName + hf::i18n::codecvt_ascii_to_ustring(nodeId.toString());
+    // The id's text is plain ASCII digits: widened as it is appended.
+    std::wstring tag;
+    tag.reserve(typeName.size() + 32);
+    tag += typeName;
+    nodeId.appendTo(tag);
+    return tag;
 }
 
 template <class Lock>
