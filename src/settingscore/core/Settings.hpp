@@ -107,6 +107,14 @@ public:
     // Checks one value against direct child key `name` without storing it.
     void validateAny(const std::string& name, const boost::any& value) const;
 
+    // The settings file format's constants: the file name suffix ".settings", the XML
+    // declaration line, the namespace, and the namespace and schema attributes of a document
+    // element.
+    static const std::string settingsExtension;
+    static const std::string settingsSchemaInfo;
+    static const std::string settingsXMLFileHeader;
+    static const std::string settingsXMLNameSpace;
+
     // The root of instance `id` (after the context registry's mapping to an effective id), or
     // null when the instance has no settings or was reset. Builds the root on first call.
     static boost::shared_ptr<Settings> getSettingsRoot(const tvutil::contextmgr::InstanceID& id);

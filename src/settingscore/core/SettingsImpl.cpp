@@ -44,6 +44,7 @@ SettingsImpl::SettingsImpl(const SettingsImpl& other)
         boost::shared_lock<boost::shared_mutex> caches(detail::keyCacheMutex());
         typeConformer_ = other.typeConformer_;
         arraySizeBounds_ = other.arraySizeBounds_;
+        valueWriter_ = other.valueWriter_;
         typeCode_ = other.typeCode_;
     }
     if (other.loadAttempted_.load()) {

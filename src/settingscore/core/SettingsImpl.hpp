@@ -12,6 +12,7 @@
 #include <settingscore/core/TSettings.hpp>
 #include <settingscore/core/detail/TreeLock.hpp>
 #include <settingscore/core/detail/ValueChecks.hpp>
+#include <settingscore/core/xml/ValueWriters.hpp>
 
 #include <boost/any.hpp>
 #include <boost/enable_shared_from_this.hpp>
@@ -20,6 +21,7 @@
 
 #include <atomic>
 #include <map>
+#include <ostream>
 #include <set>
 #include <string>
 #include <string_view>
@@ -30,6 +32,10 @@ namespace core {
 
 class SettingsLevel;
 class SettingsImplRoot;
+
+namespace detail {
+class NodeBuilder;
+}
 
 class SettingsImpl : public TSettings, public boost::enable_shared_from_this<SettingsImpl> {
 public:
@@ -185,10 +191,23 @@ public:
     template <class Lock>
     boost::shared_ptr<SettingsImpl> deepCopySubtree(const Lock& lock) const;
 
+    // --- Writing a node as settings file text (internal forms) ---
+
+    // Writes this node's subtree, with its ancestors opened around it, as the text of a
+    // settings file for `level`: values at that level, or the run-time default that belongs
+    // there. UnSupportedLevel for an empty level name.
+    template <class Lock>
+    void writeSettings(const Lock& lock, std::ostream& out, const std::string& level) const;
+
     // Hangs this node under `parent`: the read-only and key-at-root checks, then the map change
     // under a short exclusive hold. REQUIRES: `lock` holds the root mutex in upgrade mode.
     void attachToParent(detail::UpgradeLock& lock, const boost::shared_ptr<SettingsImpl>& parent,
                         bool checkValues);
+    // Runs `validator` over the values of this subtree that have no validator of their own on
+    // the way down: every stored value of a key, with its parent (`parent` for this node).
+    template <class Lock>
+    void checkValuesAgainst(const Lock& lock, const ValidatorVariant& validator,
+                            const boost::shared_ptr<const SettingsImpl>& parent) const;
     // Adds `child` to this node's children; the case-insensitive clash test applies at the root
     // only. REQUIRES: the root mutex held exclusively, from upgrade.
     void insertChild(detail::UniqueFromUpgrade& lock, const boost::shared_ptr<SettingsImpl>& child);
@@ -202,6 +221,9 @@ public:
         const boost::shared_ptr<const Settings>& node);
 
 protected:
+    // The file reader builds standalone nodes field by field.
+    friend class detail::NodeBuilder;
+
     template <class Lock>
     void checkNodeAttributes(const Lock& lock, const SettingsImpl& other, bool compareNames,
                              bool isFactoryLevel, bool takeDefinition);
@@ -245,6 +267,8 @@ protected:
     // root mutex, since validation fills them under a shared hold.
     mutable detail::TypeConformer typeConformer_ = nullptr;
     mutable boost::optional<ArraySizeBounds> arraySizeBounds_;
+    // Writes the key's type element; chosen with the type, from a declaration or a first value.
+    mutable detail::ValueWriter valueWriter_ = nullptr;
     const hostsvc::msg_svc::exchange::IDType nodeId_;
     RunTimeDefaultVariant runTimeDefault_;
     mutable boost::optional<int> typeCode_;

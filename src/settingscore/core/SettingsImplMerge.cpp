@@ -94,6 +94,7 @@ void SettingsImpl::copyDefinitionFrom(const Lock& lock, const SettingsImpl& othe
     boost::unique_lock<boost::shared_mutex> caches(detail::keyCacheMutex());
     typeConformer_ = other.typeConformer_;
     arraySizeBounds_ = other.arraySizeBounds_;
+    valueWriter_ = other.valueWriter_;
     typeCode_ = other.typeCode_;
     metaData_ = other.metaData_;
     version_ = other.version_;

@@ -106,6 +106,28 @@ std::vector<const SettingsLevel*> SettingsImpl::fileLevelsOf(const Lock& lock,
 SETTINGSCORE_FOR_EACH_TREE_LOCK(SETTINGSCORE_INSTANTIATE_STRUCTURE)
 #undef SETTINGSCORE_INSTANTIATE_STRUCTURE
 
+template <class Lock>
+void SettingsImpl::checkValuesAgainst(const Lock& lock, const ValidatorVariant& validator,
+                                      const boost::shared_ptr<const SettingsImpl>& parent) const {
+    detail::requireTreeLock(lock);
+    if (isKey_) {
+        for (const auto& value : values_) {
+            if (!value.second.empty()) {
+                detail::invokeValidator(validator, parent, name_, value.second);
+            }
+        }
+        return;
+    }
+    for (const auto& child : children_) {
+        if (child.second->validator_.which() == 0) {
+            child.second->checkValuesAgainst(lock, validator, shared_from_this());
+        }
+    }
+}
+
+template void SettingsImpl::checkValuesAgainst(const detail::UpgradeLock&, const ValidatorVariant&,
+                                               const boost::shared_ptr<const SettingsImpl>&) const;
+
 void SettingsImpl::insertChild(detail::UniqueFromUpgrade& lock,
                                const boost::shared_ptr<SettingsImpl>& child) {
     detail::requireTreeLock(lock);
@@ -129,8 +151,6 @@ void SettingsImpl::insertChild(detail::UniqueFromUpgrade& lock,
 void SettingsImpl::attachToParent(detail::UpgradeLock& lock,
                                   const boost::shared_ptr<SettingsImpl>& parent, bool checkValues) {
     detail::requireUpgradeLock(lock);
-    (void)checkValues;  // the values below are checked against an inherited validator by the
-                        // value layer, which is not part of the tree's structure
 
     // A node has one place in one tree: a node that hangs somewhere already, or a root, is not
     // standalone and cannot be given a parent.
@@ -151,6 +171,15 @@ void SettingsImpl::attachToParent(detail::UpgradeLock& lock,
     }
     if (isKey_ && parent->isRoot()) {
         throw exception::CanNotAddKeyToRootException(shared_from_this());
+    }
+    if (checkValues && validator_.which() == 0) {
+        // Values that met no validator so far meet the one they are about to inherit.
+        for (auto node = parent; node; node = node->getParentImpl(lock)) {
+            if (node->validator_.which() != 0) {
+                checkValuesAgainst(lock, node->validator_, parent);
+                break;
+            }
+        }
     }
 
     detail::UniqueFromUpgrade exclusive(lock);

@@ -11,35 +11,8 @@
 #include <settingscore/core/exception/Exceptions.hpp>
 #include <settingscore/treestore/boostany/BoostAny.hpp>
 
-#include <boost/variant/static_visitor.hpp>
-
 namespace settings {
 namespace core {
-
-namespace {
-
-// Calls a validator of any kind; "none" calls nothing and says so.
-class ValidatorCall : public boost::static_visitor<bool> {
-public:
-    ValidatorCall(const ConstSettingsPtr& parent, const std::string& keyName,
-                  const boost::any& value)
-        : parent_(parent), keyName_(keyName), value_(value) {}
-
-    bool operator()(const boost::mpl::void_&) const { return false; }
-
-    template <class Validator>
-    bool operator()(const Validator& validator) const {
-        validator.invokeValidationFunction(parent_, keyName_, value_);
-        return true;
-    }
-
-private:
-    const ConstSettingsPtr& parent_;
-    const std::string& keyName_;
-    const boost::any& value_;
-};
-
-}  // namespace
 
 void SettingsImpl::deduceTypeFromValue(const boost::any& value) const {
     const auto facts = detail::typeFactsOf(value);
@@ -110,7 +83,7 @@ void SettingsImpl::runValidationFunction(const Lock& lock, const SettingsImpl* k
     const SettingsImpl* node = this;
     bool usedKnownParent = false;
     while (node) {
-        if (boost::apply_visitor(ValidatorCall(parentArg, name_, value), node->validator_)) {
+        if (detail::invokeValidator(node->validator_, parentArg, name_, value)) {
             return;
         }
         auto next = node->getParentImpl(lock);

@@ -7,6 +7,8 @@
 
 #include <platform/hf/io/Uostream.hpp>
 
+#include <boost/variant/static_visitor.hpp>
+
 #include <type_traits>
 
 namespace settings {
@@ -105,6 +107,26 @@ struct RangeVisitor {
     }
 };
 
+class ValidatorCall : public boost::static_visitor<bool> {
+public:
+    ValidatorCall(const ConstSettingsPtr& parent, const std::string& keyName,
+                  const boost::any& value)
+        : parent_(parent), keyName_(keyName), value_(value) {}
+
+    bool operator()(const boost::mpl::void_&) const { return false; }
+
+    template <class Validator>
+    bool operator()(const Validator& validator) const {
+        validator.invokeValidationFunction(parent_, keyName_, value_);
+        return true;
+    }
+
+private:
+    const ConstSettingsPtr& parent_;
+    const std::string& keyName_;
+    const boost::any& value_;
+};
+
 template <class... Ts>
 TypeConformer conformerAt(ba::detail::TypeList<Ts...>, int index) {
     const TypeConformer conformers[] = {&conformTo<Ts>...};
@@ -165,6 +187,11 @@ SETTINGSCORE_INSTANTIATE_JOIN(unsigned long long)
 SETTINGSCORE_INSTANTIATE_JOIN(float)
 SETTINGSCORE_INSTANTIATE_JOIN(double)
 #undef SETTINGSCORE_INSTANTIATE_JOIN
+
+bool invokeValidator(const ValidatorVariant& validator, const ConstSettingsPtr& parent,
+                     const std::string& keyName, const boost::any& value) {
+    return boost::apply_visitor(ValidatorCall(parent, keyName, value), validator);
+}
 
 boost::shared_mutex& keyCacheMutex() {
     static boost::shared_mutex* const mutex = new boost::shared_mutex();

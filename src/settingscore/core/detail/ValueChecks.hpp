@@ -5,6 +5,7 @@
 
 #include <settingscore/core/SettingsFwd.hpp>
 #include <settingscore/core/SettingsKeyMetaData.hpp>
+#include <settingscore/core/callouts/CalloutVariants.hpp>
 
 #include <boost/any.hpp>
 #include <boost/optional.hpp>
@@ -49,6 +50,10 @@ void checkRangeAndChoices(const ConstSettingsPtr& key,
 // ", ". An empty list gives the line end alone.
 template <class T>
 std::wstring joinChoices(const std::vector<T>& choices);
+
+// Calls `validator` with (parent, key name, value); false, calling nothing, when it is none.
+bool invokeValidator(const ValidatorVariant& validator, const ConstSettingsPtr& parent,
+                     const std::string& keyName, const boost::any& value);
 
 // Guards the type caches of every key (type code, conformer, array bounds): filled once from a
 // key's first value, possibly under a shared hold of the root mutex, so they need a lock of

@@ -172,6 +172,18 @@ TEST_F(ValuesTest, TheNearestValidatorRunsWithTheKeysOwnNameAndParent) {
     calls.clear();
     makeNode("lonely", false)->validateValues(&pair, &pair + 1, true);
     EXPECT_TRUE(calls.empty());
+
+    // Attaching brings values under the validator they will inherit, unless they have their own.
+    auto refused = makeKey("refused");
+    refused->putValue("user", -5);
+    auto box = makeNode("box", false);
+    refused->setParent(box);
+    EXPECT_THROW(box->setParent(group), std::exception);
+    EXPECT_FALSE(box->getParent());
+    EXPECT_FALSE(group->getChild("box"));
+    refused->setValidator(JValidator("pkg", "lenient"));
+    box->setParent(group);
+    EXPECT_EQ(group, box->getParent());
 }
 
 }  // namespace
