@@ -1,0 +1,64 @@
+// settings::core::SettingsSaxHandler: the parser's content handler for settings files. It
+// keeps the open elements' objects on a stack and turns one document into one standalone
+// settings tree plus the list of further files that the document names.
+#pragma once
+
+#include <settingscore/core/SettingsFwd.hpp>
+#include <settingscore/core/xml/XMLNode.hpp>
+
+#include <boost/shared_ptr.hpp>
+
+#include <xercesc/sax2/DefaultHandler.hpp>
+
+#include <deque>
+#include <string>
+#include <vector>
+
+namespace settings {
+namespace core {
+
+// Element callbacks work on the stack: startElement pushes the object of the new element
+// (the document element from a table with one row, "settings" making an XMLTopSettingsNode;
+// every other element from its parent's createChild), characters hands text to the innermost
+// object, and endElement pops it and calls its finish, or, for the document element, keeps
+// its tree as the result and its additional paths for popAdditionalPath.
+//
+// A message failure (hf::except::IMsgIDException) raised in those three callbacks leaves as a
+// xercesc::SAXException carrying the catalogue text of the message; every other exception
+// (numeric overflow, boost::bad_lexical_cast, the tree's own failures) passes through the
+// parser unchanged. Errors of the parser itself go to the error handler, not here.
+//
+// One handler may serve several parses in turn, on one thread.
+class SettingsSaxHandler : public xercesc::DefaultHandler {
+public:
+    SettingsSaxHandler();
+    ~SettingsSaxHandler() override;
+
+    // Forgets the open elements of a parse that ended in a failure.
+    void startDocument() override;
+    // Throws SAXException "Illegal tag encountered at the beginning of the Settings XMLfile"
+    // for a document element other than "settings".
+    void startElement(const XMLCh* const uri, const XMLCh* const localName,
+                      const XMLCh* const qName, const xercesc::Attributes& attributes) override;
+    // Throws SAXException "Mismatch in tag hierarchy between parser and node stack" should the
+    // closing tag not be the innermost open element's.
+    void endElement(const XMLCh* const uri, const XMLCh* const localName,
+                    const XMLCh* const qName) override;
+    void characters(const XMLCh* const chars, const XMLSize_t length) override;
+
+    // What the last document produced: its product node, null until a document element closed.
+    boost::shared_ptr<Settings> getResult() const { return result_; }
+    // The caller passes null before each parse.
+    void setResult(const boost::shared_ptr<Settings>& result) { result_ = result; }
+    // Moves the last path still to be read into `path` and removes it; false when none is left.
+    // Paths are thus taken last first.
+    bool popAdditionalPath(std::wstring& path);
+
+private:
+    std::deque<boost::shared_ptr<XMLNode>> stack_;
+    boost::shared_ptr<Settings> result_;
+    std::vector<std::wstring> additionalPaths_;
+};
+
+}  // namespace core
+}  // namespace settings

@@ -1,0 +1,92 @@
+#include <settingscore/core/xml/XMLKey.hpp>
+
+#include <settingscore/core/SettingsImpl.hpp>
+#include <settingscore/core/exception/MessageIds.hpp>
+#include <settingscore/core/xml/ValueTextReading.hpp>
+#include <settingscore/core/xml/XMLCallouts.hpp>
+#include <settingscore/core/xml/XMLValueType.hpp>
+#include <settingscore/core/xml/detail/NodeBuilder.hpp>
+#include <settingscore/core/xml/detail/XmlText.hpp>
+#include <settingscore/treestore/boostany/SupportedTypes.hpp>
+
+#include <boost/make_shared.hpp>
+
+namespace settings {
+namespace core {
+
+namespace {
+
+// Every file is read into this level of a standalone tree.
+constexpr char readLevel[] = "user";
+
+boost::shared_ptr<SettingsImpl> makeKey(const xercesc::Attributes& attributes) {
+    const bool readOnly = detail::attributeText(attributes, u"readonly") == "true";
+    const boost::optional<bool> visible = detail::attributeText(attributes, u"visible") == "true";
+    const std::string name = detail::attributeText(attributes, u"name");
+    return boost::make_shared<SettingsImpl>(
+        name, true, visible, ValidatorVariant(),
+        readOnly ? SettingsImpl::ReadOnly : SettingsImpl::Writable, nullptr);
+}
+
+}  // namespace
+
+XMLKey::XMLKey(const xercesc::Attributes& attributes, const NodePtr& parent)
+    : XMLNode(parent), key_(makeKey(attributes)) {
+    anyType_ = detail::attributeText(attributes, u"anytype") == "true";
+}
+
+XMLKey::~XMLKey() = default;
+
+boost::shared_ptr<SettingsImpl> XMLKey::getSettings() const {
+    return key_;
+}
+
+std::string XMLKey::getTagName() const {
+    return "key";
+}
+
+void XMLKey::setParsedValue(const boost::any& value) {
+    parsedValue_ = value;
+}
+
+void XMLKey::setValueWriter(detail::ValueWriter writer) {
+    valueWriter_ = writer;
+}
+
+void XMLKey::finish() {
+    using detail::NodeBuilder;
+    if (!NodeBuilder::getTypeCode(*key_) && !anyType_) {
+        throw makeMessageException<TOLVAN::settings::core::TypeNotSpecifiedForNoneAnyType>(
+            key_->getName());
+    }
+    if (anyType_) {
+        NodeBuilder::setTypeCode(*key_, treestore::boostany::VoidTypeCode);
+        valueWriter_ = detail::anyTypeValueWriter();
+    }
+    NodeBuilder::setValueWriter(*key_, valueWriter_);
+    if (!NodeBuilder::hasRunTimeDefault(*key_)) {
+        NodeBuilder::setStoredValue(*key_, readLevel, parsedValue_);
+    }
+    const auto parentNode = getParent() ? getParent()->getSettings() : nullptr;
+    if (parentNode) {
+        key_->setParent(parentNode);
+    }
+}
+
+const XMLNode::ChildFactories& XMLKey::getChildFactories() const {
+    static const ChildFactories factories = [] {
+        ChildFactories table{
+            {"validationfunc", &make<XMLValidationFunction>},
+            {"key", &make<XMLKey>},
+        };
+#define SETTINGSCORE_TYPE_ELEMENT_FACTORY(T) \
+    table.emplace(detail::typeWordOf<T>(), &make<XMLValueType<T>>);
+        SETTINGSCORE_FOR_EACH_TYPE_WORD(SETTINGSCORE_TYPE_ELEMENT_FACTORY)
+#undef SETTINGSCORE_TYPE_ELEMENT_FACTORY
+        return table;
+    }();
+    return factories;
+}
+
+}  // namespace core
+}  // namespace settings

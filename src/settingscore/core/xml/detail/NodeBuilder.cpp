@@ -1,0 +1,112 @@
+#include <settingscore/core/xml/detail/NodeBuilder.hpp>
+
+#include <settingscore/core/SettingsImpl.hpp>
+#include <settingscore/core/detail/TreeLock.hpp>
+
+#include <boost/thread/locks.hpp>
+
+namespace settings {
+namespace core {
+namespace detail {
+
+namespace {
+
+using CacheWrite = boost::unique_lock<boost::shared_mutex>;
+using CacheRead = boost::shared_lock<boost::shared_mutex>;
+
+// Runs `change` with the root mutex held exclusively, taken the way the tree takes it: upgrade
+// first, then exclusive from upgrade.
+template <class Change>
+void underExclusiveRootHold(Change&& change) {
+    UpgradeLock lock(rootMutex());
+    UniqueFromUpgrade exclusive(lock);
+    change();
+}
+
+}  // namespace
+
+void NodeBuilder::setTypeCode(SettingsImpl& node, int typeCode) {
+    CacheWrite lock(keyCacheMutex());
+    node.typeCode_ = typeCode;
+}
+
+boost::optional<int> NodeBuilder::getTypeCode(const SettingsImpl& node) {
+    CacheRead lock(keyCacheMutex());
+    return node.typeCode_;
+}
+
+void NodeBuilder::setArraySizeBounds(SettingsImpl& node, const ArraySizeBounds& bounds) {
+    CacheWrite lock(keyCacheMutex());
+    node.arraySizeBounds_ = bounds;
+}
+
+boost::optional<ArraySizeBounds> NodeBuilder::getArraySizeBounds(const SettingsImpl& node) {
+    CacheRead lock(keyCacheMutex());
+    return node.arraySizeBounds_;
+}
+
+void NodeBuilder::setTypeConformer(SettingsImpl& node, TypeConformer conformer) {
+    CacheWrite lock(keyCacheMutex());
+    node.typeConformer_ = conformer;
+}
+
+TypeConformer NodeBuilder::getTypeConformer(const SettingsImpl& node) {
+    CacheRead lock(keyCacheMutex());
+    return node.typeConformer_;
+}
+
+void NodeBuilder::setValueWriter(SettingsImpl& node, ValueWriter writer) {
+    CacheWrite lock(keyCacheMutex());
+    node.valueWriter_ = writer;
+}
+
+ValueWriter NodeBuilder::getValueWriter(const SettingsImpl& node) {
+    CacheRead lock(keyCacheMutex());
+    return node.valueWriter_;
+}
+
+void NodeBuilder::setMetaData(SettingsImpl& node, const SettingsKeyMetaData<boost::any>& metaData) {
+    underExclusiveRootHold([&] { node.metaData_ = metaData; });
+}
+
+SettingsKeyMetaData<boost::any> NodeBuilder::getMetaData(const SettingsImpl& node) {
+    SharedLock lock(rootMutex());
+    return node.metaData_;
+}
+
+void NodeBuilder::setRunTimeDefault(SettingsImpl& node,
+                                    const RunTimeDefaultVariant& runTimeDefault) {
+    RunTimeDefaultVariant replaced = runTimeDefault;
+    underExclusiveRootHold([&] { node.runTimeDefault_.swap(replaced); });
+    // `replaced` now holds the old default and dies here, after the lock is gone.
+}
+
+RunTimeDefaultVariant NodeBuilder::getRunTimeDefault(const SettingsImpl& node) {
+    SharedLock lock(rootMutex());
+    return node.runTimeDefault_;
+}
+
+bool NodeBuilder::hasRunTimeDefault(const SettingsImpl& node) {
+    SharedLock lock(rootMutex());
+    return node.runTimeDefault_.which() != 0;
+}
+
+void NodeBuilder::setStoredValue(SettingsImpl& node, const std::string& level,
+                                 const boost::any& value) {
+    boost::any replaced = value;
+    underExclusiveRootHold([&] { node.values_[level].swap(replaced); });
+}
+
+boost::optional<boost::any> NodeBuilder::getStoredValue(const SettingsImpl& node,
+                                                        const std::string& level) {
+    SharedLock lock(rootMutex());
+    const auto found = node.values_.find(level);
+    if (found == node.values_.end()) {
+        return boost::none;
+    }
+    return found->second;
+}
+
+}  // namespace detail
+}  // namespace core
+}  // namespace settings

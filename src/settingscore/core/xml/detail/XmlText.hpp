@@ -1,0 +1,37 @@
+// Text between the XML parser and the settings core: the parser's UTF-16 to wide and narrow
+// text, wide and narrow text to a parser string, and attribute values by local name.
+#pragma once
+
+#include <boost/shared_ptr.hpp>
+
+#include <xercesc/sax2/Attributes.hpp>
+#include <xercesc/util/XercesDefs.hpp>
+
+#include <cstddef>
+#include <string>
+
+namespace settings {
+namespace core {
+namespace detail {
+
+// UTF-16 from the parser as wide text, surrogate pairs joined; a lone surrogate becomes
+// U+FFFD. A null text is empty.
+std::wstring toWideText(const XMLCh* text, std::size_t length);
+std::wstring toWideText(const XMLCh* text);
+
+// UTF-16 from the parser as narrow UTF-8 text; a null text is empty.
+std::string toNarrowText(const XMLCh* text);
+
+// A NUL-terminated UTF-16 copy of UTF-8 `text` made by hluLcpToUtf16 and released by
+// hluRelease when the last share goes.
+using Utf16Buffer = boost::shared_ptr<XMLCh>;
+Utf16Buffer toUtf16Buffer(const std::string& utf8);
+Utf16Buffer toUtf16Buffer(const std::wstring& text);
+
+// The value of the attribute with local name `localName` and no namespace, as UTF-8; empty
+// when the element has no such attribute (so an absent and an empty attribute read the same).
+std::string attributeText(const xercesc::Attributes& attributes, const XMLCh* localName);
+
+}  // namespace detail
+}  // namespace core
+}  // namespace settings
