@@ -25,6 +25,9 @@ void SettingsImpl::deduceTypeFromValue(const boost::any& value) const {
     if (!typeConformer_) {
         typeConformer_ = facts->conformer;
     }
+    if (!valueWriter_) {
+        valueWriter_ = detail::valueWriterForTypeCode(facts->typeCode);
+    }
     if (!arraySizeBounds_) {
         // A scalar key holds exactly one element; an array key at most as many as it first got.
         arraySizeBounds_ = facts->isArray

@@ -1,19 +1,23 @@
 #include <settingscore/core/detail/FileLayerHooks.hpp>
 
+#include <settingscore/core/SettingsImpl.hpp>
+#include <settingscore/core/storage/detail/SaveSequence.hpp>
+
 namespace settings {
 namespace core {
 
 namespace {
 
-// Until the file layer is linked in, a product node has no files to read and a change has no
-// file to reach: both hooks leave memory as the only store.
-void loadNothing(SettingsImpl&, std::wstring&) {}
-void saveNothing(const SettingsLevel*, SettingsPtr, const detail::ReadAccess&) {}
+void loadProductFiles(SettingsImpl& node, std::wstring& errors) {
+    node.loadProductNode(errors);
+}
 
 }  // namespace
 
-detail::ProductLoader productLoader = &loadNothing;
-detail::LevelSaver levelSaver = &saveNothing;
+// Bound here, in the same file that defines them, so no other static initialiser can see the
+// function objects before they hold their targets.
+detail::ProductLoader productLoader = &loadProductFiles;
+detail::LevelSaver levelSaver = &detail::saveSettingsAtLevel;
 
 }  // namespace core
 }  // namespace settings

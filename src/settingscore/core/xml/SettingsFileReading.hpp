@@ -1,0 +1,39 @@
+// Reading settings files into trees: one file and every file it names ("additionalpath") into
+// one standalone tree, and the merge of such a tree into the tree accumulated so far.
+#pragma once
+
+#include <settingscore/core/SettingsFwd.hpp>
+
+#include <boost/shared_ptr.hpp>
+
+#include <string>
+
+namespace settings {
+namespace core {
+
+class SettingsImpl;
+
+namespace detail {
+
+// Parses `path` and the files it names, each read once, relative paths taken against the
+// folder of `path`, the last named first; merges them into one standalone tree whose values
+// sit at level "user". A parse failure throws ErrorReadingSettingsData (code 4 or 5); a merge
+// that left error lines throws code 6.
+boost::shared_ptr<SettingsImpl> readSettingsFile(const std::wstring& path);
+
+// Null for an empty path, else readSettingsFile.
+boost::shared_ptr<SettingsImpl> loadSettingsFile(const std::wstring& path);
+
+// A copy of `accumulated` with `next` merged in at `levelName`; `accumulated` itself is never
+// changed. The first merge takes the definitions of `next` (`firstMerged` false), later ones
+// only for new nodes. A message failure of the merge leaves `accumulated` as the result and
+// adds the line "<file>\t<message>\n" to `errors`; two run-time defaults on one key add such a
+// line and keep the copy as far as it got; anything else is thrown.
+boost::shared_ptr<SettingsImpl> mergeFileTree(const boost::shared_ptr<SettingsImpl>& accumulated,
+                                              const boost::shared_ptr<SettingsImpl>& next,
+                                              const std::string& levelName, bool& firstMerged,
+                                              std::wstring& errors, const std::wstring& file);
+
+}  // namespace detail
+}  // namespace core
+}  // namespace settings
