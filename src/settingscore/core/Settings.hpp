@@ -115,6 +115,23 @@ public:
     static const std::string settingsXMLFileHeader;
     static const std::string settingsXMLNameSpace;
 
+    // Writes the selected nodes, all of one product, with their values at `level`, to the file
+    // `path` in the settings file format: the product frame once, each selected node in full.
+    // ErrorExportMultipleNodesBelongsToDiffProducts, CannotExportSettingsRoot,
+    // CannotExportStandaloneSettings, ErrorExportOrImportSettingsUsingRelativePath (checked in
+    // that order), ErrorSaveSettingsDueToFileIOError when the file cannot be opened.
+    static void exportSettings(const std::vector<boost::shared_ptr<const Settings>>& nodes,
+                               const std::wstring& path, const std::string& level);
+    // Writes the whole product of the standalone tree `node` belongs to as a factory file,
+    // stamped with `version` (which stays set on the tree's top).
+    // ErrorCreateFactoryFileFromATreeNode for a node on the tree.
+    static void createFactorySettingsFile(const boost::shared_ptr<const Settings>& node,
+                                          const std::wstring& path, unsigned int version);
+
+    // Reads a settings file (and the files it names) into a new standalone tree, as an
+    // import. ErrorExportOrImportSettingsUsingRelativePath unless `path` is absolute.
+    static boost::shared_ptr<Settings> importAsStandaloneObject(const std::wstring& path);
+
     // The root of instance `id` (after the context registry's mapping to an effective id), or
     // null when the instance has no settings or was reset. Builds the root on first call.
     static boost::shared_ptr<Settings> getSettingsRoot(const tvutil::contextmgr::InstanceID& id);

@@ -35,7 +35,10 @@ class SettingsImplRoot;
 
 namespace detail {
 class NodeBuilder;
-}
+// --- Added for the settings file writer (SettingsImplWriting.cpp, xml/ValueWriters.cpp) ---
+class NodeWriter;
+// --- end of the writer's block ---
+}  // namespace detail
 
 class SettingsImpl : public TSettings, public boost::enable_shared_from_this<SettingsImpl> {
 public:
@@ -109,6 +112,12 @@ public:
     // ErrorReadingSettingsData (code 7) when the load left an error text; a failed load is not
     // repeated.
     void ensureLoaded() const;
+    // Fills this product node from its files: the factory files, then the user file, each
+    // merged at its level. A bad file is skipped with one line in `errors`; the node gets what
+    // the good files gave. Does nothing on a node that is not a product node.
+    // REQUIRES: no lock of the tree held.
+    void loadProductNode(std::wstring& errors);
+
     // Whether the product load has run (or is running): a true answer never turns false.
     bool isLoadAttempted() const { return loadAttempted_.load(std::memory_order_acquire); }
 
@@ -195,7 +204,8 @@ public:
 
     // Writes this node's subtree, with its ancestors opened around it, as the text of a
     // settings file for `level`: values at that level, or the run-time default that belongs
-    // there. UnSupportedLevel for an empty level name.
+    // there. UnSupportedLevel for an unknown level name; an empty name writes each key's
+    // effective stored value (the form of a factory file).
     template <class Lock>
     void writeSettings(const Lock& lock, std::ostream& out, const std::string& level) const;
 
@@ -223,6 +233,10 @@ public:
 protected:
     // The file reader builds standalone nodes field by field.
     friend class detail::NodeBuilder;
+    // --- Added for the settings file writer: the node walk behind writeSettings and the value
+    // writers read the fields they write through it (xml/detail/NodeWriter.hpp). ---
+    friend class detail::NodeWriter;
+    // --- end of the writer's block ---
 
     template <class Lock>
     void checkNodeAttributes(const Lock& lock, const SettingsImpl& other, bool compareNames,

@@ -14,6 +14,7 @@
 #include <settingscore/core/exception/TreeExceptions.hpp>
 #include <settingscore/core/storage/LevelDirectories.hpp>
 #include <settingscore/core/storage/SettingsLevelManager.hpp>
+#include <settingscore/core/storage/detail/SaveFileOperations.hpp>
 
 #include <platform/hf/filesystem/Operations.hpp>
 
@@ -35,21 +36,19 @@ std::string joinLevelNames(const std::vector<const SettingsLevel*>& levels) {
     return joined;
 }
 
-// A removed product takes its files with it, at each level that held them. Failing to delete
-// a file is silent: the tree has already changed, and the next load of a product that no
-// longer exists never looks for it.
+// A removed product takes its files with it, at each level that held them: the files the
+// saves wrote, in the instance's folder of each level. Nothing is deleted while saving is off.
 void deleteProductFiles(const std::string& productName,
                         const std::vector<const SettingsLevel*>& levels,
                         const boost::shared_ptr<SettingsImplRoot>& root) {
+    if (!detail::isSettingsSavingOn()) {
+        return;
+    }
     for (const auto* level : levels) {
         const std::wstring dir = resolveLevelDirectory(*level, root);
-        if (dir.empty()) {
-            continue;
-        }
-        try {
+        if (!dir.empty()) {
             hf::filesystem::remove(hf::filesystem::upath(dir) /
                                    hf::filesystem::upath(productName + settingsFileExtension));
-        } catch (const hf::filesystem::FsysExceptionBase&) {
         }
     }
 }
