@@ -9,6 +9,7 @@ SETTINGSCORE_PACKAGES=(
     libboost-log-dev libboost-date-time-dev libboost-locale-dev
     libtbb-dev libxerces-c-dev
     libgtest-dev libgmock-dev libbenchmark-dev
+    libcli11-dev nlohmann-json3-dev
 )
 
 ensure_packages() {

@@ -4,6 +4,7 @@
 // getSettingsRoot.
 #pragma once
 
+#include <settingscore/core/ArraySizeBounds.hpp>
 #include <settingscore/core/SettingsKeyMetaData.hpp>
 #include <settingscore/core/SettingsTypes.hpp>
 #include <settingscore/core/callouts/CalloutVariants.hpp>
@@ -100,6 +101,12 @@ public:
                                        bool throwOnFailure) const = 0;
     // The node's identity for typed event subscriptions.
     virtual hostsvc::msg_svc::exchange::IDType getNodeId() const = 0;
+    // How many elements the values of child key `name` may have; none while the key has no
+    // type yet. NoSuchKey, NotAKeyName.
+    virtual boost::optional<ArraySizeBounds> getArraySizeBounds(const std::string& name) const = 0;
+    // The run-time default of child key `name` (boost::mpl::void_ when it has none), with the
+    // level it belongs to. NoSuchKey, NotAKeyName.
+    virtual RunTimeDefaultVariant getRunTimeDefault(const std::string& name) const = 0;
 
     // Sets one direct child key (a dotted name is taken literally). NoSuchKey, and every
     // failure of setValues.

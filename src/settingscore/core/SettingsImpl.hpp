@@ -94,6 +94,8 @@ public:
     FailureList validateValues(const KeyValuePair* first, const KeyValuePair* last,
                                bool throwOnFailure) const override;
     hostsvc::msg_svc::exchange::IDType getNodeId() const override;
+    boost::optional<ArraySizeBounds> getArraySizeBounds(const std::string& name) const override;
+    RunTimeDefaultVariant getRunTimeDefault(const std::string& name) const override;
 
     // --- TSettings ---
     void setRecordEvents(bool record) override;

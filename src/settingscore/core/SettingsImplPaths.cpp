@@ -205,6 +205,36 @@ boost::optional<int> SettingsImpl::getKeyType(const std::string& name) const {
     return child->typeCode_;
 }
 
+namespace {
+
+template <class Lock>
+const SettingsImpl& keyOf(const Lock& lock, const SettingsImpl& group, const std::string& name) {
+    const SettingsImpl* key = group.lookupChild(lock, name);
+    if (!key) {
+        throw exception::NoSuchKey(group.getSharedThis(), name);
+    }
+    if (!key->isKey()) {
+        throw exception::NotAKeyName(group.getSharedThis(), name);
+    }
+    return *key;
+}
+
+}  // namespace
+
+boost::optional<ArraySizeBounds> SettingsImpl::getArraySizeBounds(const std::string& name) const {
+    ensureLoaded();
+    detail::SharedLock lock(detail::rootMutex());
+    const SettingsImpl& key = keyOf(lock, *this, name);
+    boost::shared_lock<boost::shared_mutex> caches(detail::keyCacheMutex());
+    return key.arraySizeBounds_;
+}
+
+RunTimeDefaultVariant SettingsImpl::getRunTimeDefault(const std::string& name) const {
+    ensureLoaded();
+    detail::SharedLock lock(detail::rootMutex());
+    return keyOf(lock, *this, name).runTimeDefault_;
+}
+
 boost::shared_ptr<Settings> SettingsImpl::getNodeByPath(const std::string& path) {
     // Parts are the runs between dots: runs of dots and dots at either end give no empty
     // parts, and an empty path gives none at all. The parts point into `path`; nothing is
