@@ -6,6 +6,7 @@ if(NOT SETTINGSCORE_SANITIZE)
              COMMAND ${CMAKE_COMMAND}
                      -DBUILD_DIR=${PROJECT_BINARY_DIR}
                      -DCLIENT_SOURCE_DIR=${CMAKE_CURRENT_SOURCE_DIR}/client
+                     -DEXAMPLES_DIR=${PROJECT_SOURCE_DIR}/examples
                      -DWORK_DIR=${PROJECT_BINARY_DIR}/install-test
                      -DGENERATOR=${CMAKE_GENERATOR}
                      -P ${CMAKE_CURRENT_SOURCE_DIR}/install/RunInstallTest.cmake)

@@ -1,5 +1,5 @@
 # cmake -P script run by the install test; see InstallTest.cmake.
-foreach(var BUILD_DIR CLIENT_SOURCE_DIR WORK_DIR GENERATOR)
+foreach(var BUILD_DIR CLIENT_SOURCE_DIR EXAMPLES_DIR WORK_DIR GENERATOR)
     if(NOT DEFINED ${var})
         message(FATAL_ERROR "${var} is not set")
     endif()
@@ -22,7 +22,8 @@ foreach(expected
         lib/libsettingscore.so lib/libtvplatform.so
         include/settingscore/settingscore.hpp
         lib/cmake/settingscore/settingscoreConfig.cmake
-        resources/messages/TOLVAN/settings/core.xml)
+        resources/messages/TOLVAN/settings/core.xml
+        toolbox/tolvan/configtools/settings.xsd)
     if(NOT EXISTS "${prefix}/${expected}")
         message(FATAL_ERROR "the install lacks ${expected}")
     endif()
@@ -35,4 +36,17 @@ run_step("run the client" ${WORK_DIR}/client/settingscore_client)
 message(STATUS "client output:\n${step_output}")
 if(NOT step_output MATCHES "client: ok")
     message(FATAL_ERROR "the client did not report success")
+endif()
+
+# The README's embedding example over the sample products, with a fresh user folder.
+file(MAKE_DIRECTORY "${WORK_DIR}/user")
+run_step("run the embedding example" ${CMAKE_COMMAND} -E env
+         "SETTINGS_FACTORYDIR=${EXAMPLES_DIR}/factory" "SETTINGS_USERDIR=${WORK_DIR}/user"
+         ${WORK_DIR}/client/embedding)
+message(STATUS "embedding output:\n${step_output}")
+if(NOT step_output MATCHES "tabWidth = 4\nchanged: editor.tabWidth\nrefused: ")
+    message(FATAL_ERROR "the embedding example did not read, write, hear and refuse")
+endif()
+if(NOT EXISTS "${WORK_DIR}/user/editor.settings")
+    message(FATAL_ERROR "the embedding example's write did not reach the user file")
 endif()
