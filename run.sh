@@ -6,5 +6,5 @@ source scripts/ensure-packages.sh
 ensure_packages
 
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DSETTINGSCORE_WERROR=ON >/dev/null
-cmake --build build -j "$(nproc)" --target valuedemo
-exec build/bin/valuedemo
+cmake --build build -j "$(nproc)" --target tvsettings
+exec scripts/demo.sh build
