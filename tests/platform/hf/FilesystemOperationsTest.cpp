@@ -3,6 +3,7 @@
 #include <platform/hf/filesystem/DirectoryIterator.hpp>
 
 #include "ChildProcess.hpp"
+#include "Threads.hpp"
 
 #include <support/TempDir.hpp>
 
@@ -10,9 +11,8 @@
 #include <boost/exception_ptr.hpp>
 
 #include <atomic>
+#include <optional>
 #include <string>
-#include <thread>
-#include <vector>
 
 namespace fs = hf::filesystem;
 using testsupport::readFile;
@@ -23,9 +23,9 @@ namespace {
 
 // Which class of the family `op` throws, after the trip through a boost::exception_ptr that
 // the library's callers make: 0 none, 1 FileExistsError, 2 AccessDenied, 3 FsysExceptionBase
-// only, 4 something else. The captured failure is left in `keep`.
+// only, 4 something else. A failure of the family is also copied to `failure`.
 template <class Op>
-int thrownClass(Op op, boost::exception_ptr* keep = nullptr) {
+int thrownClass(Op op, std::optional<fs::FsysExceptionBase>* failure = nullptr) {
     boost::exception_ptr captured;
     try {
         op();
@@ -33,17 +33,15 @@ int thrownClass(Op op, boost::exception_ptr* keep = nullptr) {
     } catch (...) {
         captured = boost::current_exception();
     }
-    if (keep) {
-        *keep = captured;
-    }
     try {
         boost::rethrow_exception(captured);
-    } catch (const fs::FileExistsError&) {
-        return 1;
-    } catch (const fs::AccessDenied&) {
-        return 2;
-    } catch (const fs::FsysExceptionBase&) {
-        return 3;
+    } catch (const fs::FsysExceptionBase& e) {
+        if (failure) {
+            failure->emplace(e);
+        }
+        return dynamic_cast<const fs::FileExistsError*>(&e) ? 1
+               : dynamic_cast<const fs::AccessDenied*>(&e)  ? 2
+                                                            : 3;
     } catch (...) {
         return 4;
     }
@@ -60,15 +58,11 @@ TEST(FilesystemOperations, CreateDirectoriesTellsMadeNowFromWasThereFromCouldNot
 
     // Was there: reported by FileExistsError, also with a final separator.
     EXPECT_EQ(1, thrownClass([&] { fs::create_directories(temp.wpath("a/b/c/")); }));
-    boost::exception_ptr failure;
+    std::optional<fs::FsysExceptionBase> failure;
     ASSERT_EQ(1, thrownClass([&] { fs::create_directories(deep); }, &failure));
-    try {
-        boost::rethrow_exception(failure);
-    } catch (const fs::FileExistsError& e) {
-        EXPECT_EQ(std::errc::file_exists, e.code());
-        EXPECT_EQ(deep, e.path1());
-        EXPECT_EQ("create_directories", e.operation());
-    }
+    EXPECT_EQ(std::errc::file_exists, failure->code());
+    EXPECT_EQ(deep, failure->path1());
+    EXPECT_EQ("create_directories", failure->operation());
 
     // Could not: a file where a parent or the folder itself should be is no "was there".
     writeFile(temp.path() / "file", "x");
@@ -83,20 +77,8 @@ TEST(FilesystemOperations, CreateDirectoriesLetsExactlyOneOfManyRacingThreadsMak
         TempDir temp;
         const fs::upath target = temp.wpath("shared/parent/leaf");
         std::atomic<int> outcomes[5] = {};
-        std::atomic<bool> go{false};
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 6; ++i) {
-            threads.emplace_back([&] {
-                while (!go.load()) {
-                    std::this_thread::yield();
-                }
-                ++outcomes[thrownClass([&] { fs::create_directories(target); })];
-            });
-        }
-        go = true;
-        for (auto& thread : threads) {
-            thread.join();
-        }
+        hftest::onThreads(
+            6, [&](int) { ++outcomes[thrownClass([&] { fs::create_directories(target); })]; });
         EXPECT_EQ(1, outcomes[0].load());
         EXPECT_EQ(5, outcomes[1].load());
     }
@@ -113,19 +95,15 @@ TEST(FilesystemOperations, RenameReplacesAnExistingTargetAndReportsBothPathsOnFa
     EXPECT_FALSE(fs::exists(temp.wpath("new.settings.tmp")));
 
     const fs::upath missing = temp.wpath("missing");
-    boost::exception_ptr failure;
+    std::optional<fs::FsysExceptionBase> failure;
     ASSERT_EQ(3, thrownClass([&] { fs::rename(missing, target); }, &failure));
-    try {
-        boost::rethrow_exception(failure);
-    } catch (const fs::FsysExceptionBase& e) {
-        EXPECT_EQ(std::errc::no_such_file_or_directory, e.code());
-        EXPECT_EQ(missing, e.path1());
-        EXPECT_EQ(target, e.path2());
-        const std::string what = e.what();
-        for (const std::string& part :
-             {std::string("rename"), missing.string(), target.string(), e.code().message()}) {
-            EXPECT_NE(std::string::npos, what.find(part)) << what;
-        }
+    EXPECT_EQ(std::errc::no_such_file_or_directory, failure->code());
+    EXPECT_EQ(missing, failure->path1());
+    EXPECT_EQ(target, failure->path2());
+    const std::string what = failure->what();
+    for (const std::string& part :
+         {std::string("rename"), missing.string(), target.string(), failure->code().message()}) {
+        EXPECT_NE(std::string::npos, what.find(part)) << what;
     }
     EXPECT_EQ("new content", readFile(temp.path() / "p.settings"));
 

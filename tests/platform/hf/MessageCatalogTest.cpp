@@ -1,8 +1,9 @@
 #include <platform/hf/i18n/MessageCatalog.hpp>
 
+#include <platform/hf/filesystem/InstallPath.hpp>
 #include <platform/hf/i18n/Conversion.hpp>
 
-#include "InstallPathOverrideGuard.hpp"
+#include "Threads.hpp"
 
 #include <support/TempDir.hpp>
 
@@ -10,8 +11,6 @@
 
 #include <atomic>
 #include <string>
-#include <thread>
-#include <vector>
 
 using hf::i18n::HfLocale;
 using hf::i18n::MessageCatalog;
@@ -21,10 +20,11 @@ using testsupport::writeFile;
 
 namespace {
 
-// A root of its own with catalogue files written below resources/messages.
+// A root of its own, for the life of the object, with catalogue files below resources/messages.
 class CatalogRoot {
 public:
-    CatalogRoot() : guard_(temp_.wpath()) {}
+    CatalogRoot() { hf::filesystem::set_install_path_override(temp_.wpath()); }
+    ~CatalogRoot() { hf::filesystem::set_install_path_override({}); }
 
     void write(const std::string& relativeFile, const std::string& content) {
         writeFile(temp_.path() / "resources/messages" / relativeFile, content);
@@ -32,7 +32,6 @@ public:
 
 private:
     TempDir temp_;
-    hftest::InstallPathOverrideGuard guard_;
 };
 
 std::string catalog(const std::string& name, const std::string& messages) {
@@ -75,7 +74,6 @@ TEST(MessageCatalog, EntriesTakeTheirArgumentsByPosition) {
     EXPECT_EQ(L"{1} and {1} again", message("T:app:core", "Twice", "{1}", "second"));
     EXPECT_EQ(L"\u00E9t\u00E9 \u20AC \U0001F600\u00FC",
               message("T:app:core", "Utf8", L"\U0001F600\u00FC"));
-    EXPECT_EQ("en_US", HfLocale::global().name());
 }
 
 TEST(MessageCatalog, AnythingMissingOrBrokenGivesTheKeyAndArguments) {
@@ -131,22 +129,16 @@ TEST(MessageCatalog, ConcurrentLookupsAllSeeTheSameTexts) {
         root.write("T/many/" + part + ".xml", catalog("T:many:" + part, messages));
     }
     std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 8; ++t) {
-        threads.emplace_back([t, &wrong] {
-            for (int i = 0; i < 300; ++i) {
-                const std::string catalogName = std::string("T:many:") + "abc"[(t + i) % 3];
-                const int key = (i * 7 + t) % 60;  // keys 50..59 do not exist
-                const std::wstring expected =
-                    key < 50 ? std::to_wstring(key) + L" " + std::to_wstring(t)
-                             : hf::i18n::to_ustring(catalogName + ":K" + std::to_string(key) + "(" +
-                                                    std::to_string(t) + ")");
-                wrong += message(catalogName, "K" + std::to_string(key), t) != expected;
-            }
-        });
-    }
-    for (auto& thread : threads) {
-        thread.join();
-    }
+    hftest::onThreads(8, [&wrong](int t) {
+        for (int i = 0; i < 300; ++i) {
+            const std::string catalogName = std::string("T:many:") + "abc"[(t + i) % 3];
+            const int key = (i * 7 + t) % 60;  // keys 50..59 do not exist
+            const std::wstring expected =
+                key < 50 ? std::to_wstring(key) + L" " + std::to_wstring(t)
+                         : hf::i18n::to_ustring(catalogName + ":K" + std::to_string(key) + "(" +
+                                                std::to_string(t) + ")");
+            wrong += message(catalogName, "K" + std::to_string(key), t) != expected;
+        }
+    });
     EXPECT_EQ(0, wrong.load());
 }

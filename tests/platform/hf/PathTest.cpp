@@ -1,7 +1,10 @@
+#include <platform/hf/filesystem/InstallPath.hpp>
+#include <platform/hf/filesystem/Operations.hpp>
 #include <platform/hf/filesystem/Path.hpp>
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 namespace fs = hf::filesystem;
@@ -38,4 +41,15 @@ TEST(Path, ExtensionIsTakenFromTheLastDotOfTheFileName) {
     for (const auto& [path, extension] : cases) {
         EXPECT_EQ(extension, fs::upath(path).extension().wstring()) << path;
     }
+}
+
+TEST(InstallPath, IsTheBuildTreeUntilOverriddenAndAgainAfterwards) {
+    const fs::upath root = fs::get_install_path();
+    EXPECT_TRUE(fs::is_absolute(root));
+    EXPECT_TRUE(std::filesystem::equivalent(root.native_path(), SETTINGSCORE_BUILD_ROOT))
+        << root.string();
+    fs::set_install_path_override(fs::upath(L"/opt/elsewhere/\u00E9"));
+    EXPECT_EQ(fs::upath(L"/opt/elsewhere/\u00E9"), fs::get_install_path());
+    fs::set_install_path_override({});
+    EXPECT_EQ(root, fs::get_install_path());
 }

@@ -2,6 +2,8 @@
 #include <platform/hostsvc/msg_svc/threadutil/ConcurrentTBBHashMap.hpp>
 #include <platform/tvutil/contextmgr/InstanceID.hpp>
 
+#include "platform/hf/Threads.hpp"
+
 #include <gtest/gtest.h>
 
 #include <boost/make_shared.hpp>
@@ -9,11 +11,11 @@
 
 #include <atomic>
 #include <map>
-#include <thread>
 #include <vector>
 
 namespace {
 
+using hftest::onThreads;
 using hostsvc::msg_svc::threadutil::ConcurrentMap;
 using tvutil::contextmgr::InstanceID;
 
@@ -28,25 +30,6 @@ using Snapshot = std::map<InstanceID, boost::shared_ptr<State>>;
 
 boost::shared_ptr<State> state(int tag) {
     return boost::make_shared<State>(tag);
-}
-
-// Runs `work(t)` on `count` threads released together, so that they overlap.
-template <class Work>
-void onThreads(int count, Work work) {
-    std::atomic<bool> go{false};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < count; ++t) {
-        threads.emplace_back([&, t] {
-            while (!go.load()) {
-                std::this_thread::yield();
-            }
-            work(t);
-        });
-    }
-    go.store(true);
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
 }
 
 TEST(ConcurrentTBBHashMapTest, SingleEntryAndWholeTableOperations) {

@@ -3,6 +3,8 @@
 #include <platform/hostsvc/msg_svc/eventmgr/EventMgr.hpp>
 #include <platform/hostsvc/msg_svc/eventmgr/detail/SubscriptionCount.hpp>
 
+#include "platform/hf/Threads.hpp"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -223,31 +225,25 @@ TEST(EventMgrTest, ConcurrentPublishSubscribeAndDisconnect) {
     const auto steadyByTag = onNode<ValueEvent>(
         manager, [&](const em::BaseEvent&) { ++byTag; }, root);
     const auto steadyByType = onType<NodeEvent>(manager, [&](const em::BaseEvent&) { ++byType; });
-    std::atomic<bool> publishing{true};
-    std::thread churner([&] {
-        const EventMgr::Handler churn = [&](const em::BaseEvent&) { ++churnHeard; };
-        for (; publishing.load(); ++churnRounds) {
-            auto a = onNode<ValueEvent>(manager, churn, churnRounds % 2 ? root : leaf);
-            auto b = onType<ValueEvent>(manager, churn);
-            a->disconnect();
+    std::atomic<int> publishersDone{0};
+    hftest::onThreads(publisherCount + 1, [&](int t) {
+        if (t == publisherCount) {  // the churner
+            const EventMgr::Handler churn = [&](const em::BaseEvent&) { ++churnHeard; };
+            for (; publishersDone.load() < publisherCount; ++churnRounds) {
+                auto a = onNode<ValueEvent>(manager, churn, churnRounds % 2 ? root : leaf);
+                auto b = onType<ValueEvent>(manager, churn);
+                a->disconnect();
+            }
+            return;
         }
+        while (churnRounds.load() == 0) {
+            std::this_thread::yield();
+        }
+        for (int i = 0; i < eventsEach; ++i) {
+            publishOn<ValueEvent>(manager, leaf);
+        }
+        ++publishersDone;
     });
-    std::vector<std::thread> publishers;
-    for (int p = 0; p < publisherCount; ++p) {
-        publishers.emplace_back([&] {
-            while (churnRounds.load() == 0) {
-                std::this_thread::yield();
-            }
-            for (int i = 0; i < eventsEach; ++i) {
-                publishOn<ValueEvent>(manager, leaf);
-            }
-        });
-    }
-    for (std::thread& publisher : publishers) {
-        publisher.join();
-    }
-    publishing.store(false);
-    churner.join();
     EXPECT_EQ(publisherCount * eventsEach, byTag.load());
     EXPECT_EQ(publisherCount * eventsEach, byType.load());
     const int churnBefore = churnHeard.load();  // every churning subscription has ended

@@ -1,10 +1,11 @@
 #include <platform/hostsvc/msg_svc/exchange/IDType.hpp>
 
+#include "platform/hf/Threads.hpp"
+
 #include <gtest/gtest.h>
 
 #include <set>
 #include <string>
-#include <thread>
 #include <unordered_set>
 #include <vector>
 
@@ -18,13 +19,7 @@ using hostsvc::msg_svc::exchange::IDType;
 TEST(IDTypeTest, ManyThreadsMakeDistinctIdsOfThirtyTwoHexDigits) {
     constexpr std::size_t threadCount = 8, perThread = 10000;
     std::vector<std::vector<IDType>> made(threadCount);
-    std::vector<std::thread> threads;
-    for (auto& ids : made) {
-        threads.emplace_back([&ids] { ids.resize(perThread); });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    hftest::onThreads(threadCount, [&made](int t) { made[t].resize(perThread); });
     std::unordered_set<std::string> texts;
     std::unordered_set<IDType> hashed;
     std::set<IDType> ordered;

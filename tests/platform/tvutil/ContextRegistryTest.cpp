@@ -3,6 +3,8 @@
 #include <platform/tvutil/contextmgr/ContextRegistry.hpp>
 #include <platform/tvutil/contextmgr/InstanceID.hpp>
 
+#include "platform/hf/Threads.hpp"
+
 #include <gtest/gtest.h>
 
 #include <boost/make_shared.hpp>
@@ -13,7 +15,6 @@
 #include <mutex>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -173,33 +174,27 @@ TEST(ContextRegistryTest, InstancesDrivenFromSeveralThreads) {
     ContextRegistry& registry = ContextRegistry::getInstance();
     constexpr int threadCount = 4, rounds = 200;
     std::atomic<int> failures{0};
-    std::atomic<bool> driving{true};
-    std::thread reader([&] {
-        while (driving.load()) {
-            const InstanceID effective = registry.getEffectiveInstanceID(UndefinedInstanceID);
-            failures += effective != UndefinedInstanceID && effective < InstanceID(1000) ? 1 : 0;
-        }
-    });
-    std::vector<std::thread> drivers;
-    for (int t = 0; t < threadCount; ++t) {
-        drivers.emplace_back([&, t] {
-            for (int i = 0; i < rounds; ++i) {
-                const InstanceID id(1000 + t * rounds + i);
-                try {
-                    registry.createContext(id);
-                    registry.activateContext(id);
-                    registry.destroyContext(id);
-                } catch (...) {
-                    ++failures;
-                }
+    std::atomic<int> driversDone{0};
+    hftest::onThreads(threadCount + 1, [&](int t) {
+        if (t == threadCount) {  // the reader
+            while (driversDone.load() < threadCount) {
+                const InstanceID effective = registry.getEffectiveInstanceID(UndefinedInstanceID);
+                failures += effective != UndefinedInstanceID && effective < InstanceID(1000);
             }
-        });
-    }
-    for (std::thread& driver : drivers) {
-        driver.join();
-    }
-    driving.store(false);
-    reader.join();
+            return;
+        }
+        for (int i = 0; i < rounds; ++i) {
+            const InstanceID id(1000 + t * rounds + i);
+            try {
+                registry.createContext(id);
+                registry.activateContext(id);
+                registry.destroyContext(id);
+            } catch (...) {
+                ++failures;
+            }
+        }
+        ++driversDone;
+    });
     EXPECT_EQ(0, failures.load());
     EXPECT_EQ(0, liveContexts.load());
 }

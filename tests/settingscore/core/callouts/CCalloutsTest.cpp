@@ -1,7 +1,6 @@
 #include "CalloutTestSupport.hpp"
 
 #include <settingscore/core/callouts/CalloutVariants.hpp>
-#include <settingscore/core/callouts/detail/LibrarySearch.hpp>
 #include <settingscore/core/exception/CalloutExceptions.hpp>
 #include <settingscore/core/exception/ValidationExceptions.hpp>
 
@@ -88,8 +87,6 @@ TEST(CCallouts, LoadCFunctionKeepsTheLibraryHandleAndLoadsAfreshEachTime) {
     second(&result);
     EXPECT_EQ(L"from C", boost::any_cast<std::wstring>(result));
     EXPECT_TRUE(CFunctionInvoker<CValidatorSignature>("", "").loadCFunction().empty());
-    EXPECT_EQ((std::vector<std::string>{"foo.so", "libtvfoo.so", "libfoo.so"}),
-              detail::libraryFileNames("dir/sub/foo"));
 }
 
 TEST(CCallouts, VariantsCompareByKindNamesAndBelongingLevel) {

@@ -1,4 +1,5 @@
 #include "CalloutTestSupport.hpp"
+#include "platform/hf/Threads.hpp"
 
 #include <settingscore/core/callouts/JRunTimeDefault.hpp>
 #include <settingscore/core/callouts/JValidator.hpp>
@@ -64,13 +65,7 @@ TEST(JavaCallouts, InitialiserRunsLazilyOnceUnderTheLockAndReportsItsFailureText
         });
         return std::wstring();
     });
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 6; ++i) {
-        threads.emplace_back([&] { failures += validationFailure() == "(no failure)" ? 0 : 1; });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    hftest::onThreads(6, [&](int) { failures += validationFailure() == "(no failure)" ? 0 : 1; });
     EXPECT_EQ(1, initialisations);
     EXPECT_EQ(6, calls);
     EXPECT_EQ(0, failures);

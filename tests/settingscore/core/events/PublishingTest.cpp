@@ -1,6 +1,7 @@
 // Listeners and the root's queue: who hears a change, how long a subscription lasts, what the
 // queue records and hands over, and what happens once the instance's state is gone.
 #include "EventsFixture.hpp"
+#include "platform/hf/Threads.hpp"
 
 #include <platform/hostsvc/msg_svc/eventmgr/detail/SubscriptionCount.hpp>
 #include <platform/tvutil/eventmgr/LocalEventMgr.hpp>
@@ -9,7 +10,6 @@
 
 #include <atomic>
 #include <map>
-#include <thread>
 #include <typeinfo>
 
 namespace eventstest {
@@ -116,20 +116,16 @@ TEST_F(EventsTest, TheQueueRecordsWhileAskedAndADrainTakesEverythingOnce) {
     r_->setRecordEvents(false);  // stops recording, keeps what was recorded
     announceChange(a_);
 
-    // The caller's queue and the root's trade contents.
-    EventQueue queue;
-    queue.push(boost::make_shared<SettingsValueChangeEvent>(a_, std::vector<std::wstring>{},
-                                                            BlessedInstanceID));
-    TSettings::eventQueue(queue, BlessedInstanceID);
-    ASSERT_EQ(2u, queue.size());
-    EXPECT_EQ(key_, queue.front()->getObj());
-    EXPECT_EQ(typeid(SettingsValueChangeEvent), typeid(*queue.front()));
-    EXPECT_EQ(sibling_, queue.back()->getObj());
-    EXPECT_EQ(a_, drain().front()->getObj());
-    EXPECT_TRUE(drain().empty());
+    {
+        const EventQueue queue = drain();
+        ASSERT_EQ(2u, queue.size());
+        EXPECT_EQ(key_, queue.front()->getObj());
+        EXPECT_EQ(typeid(SettingsValueChangeEvent), typeid(*queue.front()));
+        EXPECT_EQ(sibling_, queue.back()->getObj());
+        EXPECT_TRUE(drain().empty());
+    }
 
     // A recorded event keeps a removed node alive until it is drained.
-    queue = EventQueue();
     r_->setRecordEvents(true);
     boost::weak_ptr<TSettings> watched = key_;
     announceChange(key_);
@@ -148,14 +144,10 @@ TEST_F(EventsTest, EventsAreDroppedOnceTheInstanceStateIsGone) {
     EventQueue fromOld;
 
     // Resetting the instance drops its root but not its state: the old root still speaks
-    // for it, though eventQueue no longer reaches it and leaves the caller's queue alone.
+    // for it, though eventQueue no longer reaches it.
     ASSERT_EQ(r_, TSettings::reset(BlessedInstanceID));
     announceChange(key_);
     EXPECT_EQ(1u, ear.heard.size());
-    EventQueue untouched;
-    untouched.push(nullptr);
-    TSettings::eventQueue(untouched, BlessedInstanceID);
-    EXPECT_EQ(1u, untouched.size());
     oldRoot->swapEventQueue(fromOld);
     EXPECT_EQ(1u, fromOld.size());
 
@@ -209,18 +201,12 @@ TEST_F(EventsTest, ConcurrentWritersEachHearTheirOwnKeyAndTheRootHearsAll) {
     const auto onRoot = r_->addListener([&heardByRoot](const SettingsEvent&) { ++heardByRoot; });
     r_->setRecordEvents(true);
     std::vector<Ear> ears(writers);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < writers; ++i) {
-        threads.emplace_back([&, i] {
-            const auto mine = keys[i]->addListener(ears[i].listener());
-            for (int n = 0; n < changes; ++n) {
-                announceChange(keys[i]);
-            }
-        });
-    }
-    for (auto& thread : threads) {
-        thread.join();
-    }
+    hftest::onThreads(writers, [&](int i) {
+        const auto mine = keys[i]->addListener(ears[i].listener());
+        for (int n = 0; n < changes; ++n) {
+            announceChange(keys[i]);
+        }
+    });
     EXPECT_EQ(writers * changes, heardByRoot.load());
     std::map<const Settings*, int> queued;
     for (auto queue = drain(); !queue.empty(); queue.pop()) {

@@ -1,5 +1,5 @@
-// Every class of the failure catalogue, one sample each: the fields come back as given, survive
-// a clone and a copy across an exception_ptr with the exact class, the `what` text is the fixed
+// Every class of the failure catalogue, one sample each: the fields come back as given and
+// survive a copy across an exception_ptr with the exact class, the `what` text is the fixed
 // one through every interface, and the class is caught through the bases it promises only.
 #include "CatalogSamples.hpp"
 
@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <stdexcept>
 
 namespace exceptiontest {
@@ -27,14 +26,8 @@ TYPED_TEST(CatalogExceptionTest, KeepsClassFieldsAndTextAcrossCopies) {
         const E original = S::make(in);
         EXPECT_TRUE(S::fields(original) == expected) << "arguments not kept in order";
 
-        // clone() called through the frame's base, as boost does.
-        const boost::exception_detail::clone_base& asBase = original;
-        std::unique_ptr<const boost::exception_detail::clone_base> clone(asBase.clone());
-        const E* cloned = dynamic_cast<const E*>(clone.get());
-        ASSERT_NE(cloned, nullptr);
-        EXPECT_EQ(typeid(*cloned), typeid(E));
-        EXPECT_TRUE(S::fields(*cloned) == expected);
-
+        // boost::current_exception copies through clone(): a clone of the wrong class or with
+        // lost fields shows here.
         const std::optional<E> copy = acrossExceptionPtr(original);
         ASSERT_TRUE(copy.has_value());
         EXPECT_TRUE(S::fields(*copy) == expected);
@@ -46,15 +39,12 @@ TYPED_TEST(CatalogExceptionTest, KeepsClassFieldsAndTextAcrossCopies) {
     }
 
     const E e = S::make(S::inputs(1));
-    EXPECT_TRUE(caughtAs<hf::except::IException>(e));
-    EXPECT_TRUE(caughtAs<hf::except::IInternalException>(e));
-    EXPECT_TRUE(caughtAs<InternalException>(e));
-    EXPECT_TRUE(caughtAs<std::exception>(e));
-    EXPECT_TRUE(caughtAs<boost::exception>(e));
+    EXPECT_TRUE(caughtAs<hf::except::IException>(e) &&
+                caughtAs<hf::except::IInternalException>(e) && caughtAs<InternalException>(e) &&
+                caughtAs<std::exception>(e) && caughtAs<boost::exception>(e));
     EXPECT_EQ(caughtAs<ValidationException>(e), S::validation);
-    EXPECT_FALSE(caughtAs<hf::except::IUserException>(e));
-    EXPECT_FALSE(caughtAs<hf::except::IMsgIDException>(e));
-    EXPECT_FALSE(caughtAs<SettingsException>(e));
+    EXPECT_FALSE(caughtAs<hf::except::IUserException>(e) ||
+                 caughtAs<hf::except::IMsgIDException>(e) || caughtAs<SettingsException>(e));
 }
 
 }  // namespace

@@ -63,9 +63,7 @@ TEST(ValidationExceptionTest, SlicedCopyTravelsAsItselfAndASubclassKeepsItsClass
 
 TEST(SettingsExceptionTest, TextIsTheMessageAndSurvivesCopies) {
     const SettingsException first("MyLib:range", "value 7 is above 5\n", "RangeKey");
-    const SettingsException second("MyLib:type", "not a number\n", "TypeKey");
     EXPECT_STREQ(first.what(), "value 7 is above 5\n");
-    EXPECT_STREQ(second.what(), "not a number\n");
 
     const std::optional<SettingsException> copy = acrossExceptionPtr(first);
     ASSERT_TRUE(copy.has_value());
@@ -76,11 +74,10 @@ TEST(SettingsExceptionTest, TextIsTheMessageAndSurvivesCopies) {
     EXPECT_NE(static_cast<const void*>(copy->what()), static_cast<const void*>(first.what()));
 
     // Validator libraries' failures are caught by the callout frame as host exceptions.
-    EXPECT_TRUE(caughtAs<hf::except::IException>(first));
-    EXPECT_TRUE(caughtAs<InternalException>(first));
-    EXPECT_TRUE(caughtAs<std::exception>(first));
-    EXPECT_FALSE(caughtAs<ValidationException>(first));
-    EXPECT_FALSE(caughtAs<hf::except::IMsgIDException>(first));
+    EXPECT_TRUE(caughtAs<hf::except::IException>(first) && caughtAs<InternalException>(first) &&
+                caughtAs<std::exception>(first));
+    EXPECT_FALSE(caughtAs<ValidationException>(first) ||
+                 caughtAs<hf::except::IMsgIDException>(first));
 }
 
 TEST(CatalogNodeLifetimeTest, FailureAndItsCopiesKeepEveryNodeAlive) {

@@ -4,6 +4,7 @@
 #include <settingscore/core/storage/PreferencesDirectory.hpp>
 
 #include "StorageTestSupport.hpp"
+#include "platform/hlu/StdoutCapture.hpp"
 
 #include <platform/hf/i18n/Conversion.hpp>
 #include <platform/hf/i18n/MessageCatalog.hpp>
@@ -18,7 +19,7 @@
 #include <sys/stat.h>
 
 using namespace settings::core;
-using storagetest::StdoutCapture;
+using hlutest::StdoutCapture;
 using storagetest::StorageTest;
 using testsupport::readFile;
 using testsupport::writeFile;
@@ -115,7 +116,7 @@ TEST_F(StorageTest, FailedMigrationIsToldThrownAndNotRetried) {
     setUnitTestPreviousPrefDir(wat("prev"));
     setPreferencesDirectoryUStr(wat("prefs"));
 
-    StdoutCapture capture(at("out"));
+    StdoutCapture capture;
     try {
         getPreferencesDirectoryUStr(true);
         ADD_FAILURE() << "the failed migration went unnoticed";
@@ -155,18 +156,18 @@ TEST_F(StorageTest, CopyOfOneFileWithAndWithoutOverwrite) {
     EXPECT_FALSE(detail::copyPreferenceFile(wat("from/a.settings"), L"", false));
     EXPECT_TRUE(detail::copyPreferenceFile(wat("from/missing"), wat("to"), false));
 
-    StdoutCapture refused(at("out1"));
+    StdoutCapture refused;
     EXPECT_FALSE(detail::copyPreferenceFile(wat("from/a.settings"), wat("to"), false));
     EXPECT_EQ(consoleLine(msg::ErrorOverwriteFileInPrefDir(wat("to/a.settings"))), refused.text());
     EXPECT_EQ("old", readFile(at("to/a.settings")));
 
-    StdoutCapture replaced(at("out2"));
+    StdoutCapture replaced;
     EXPECT_TRUE(detail::copyPreferenceFile(wat("from/a.settings"), wat("to"), true));
     EXPECT_EQ("", replaced.text());
     EXPECT_EQ("new", readFile(at("to/a.settings")));
 
     // The second attempt fails as well: the longer message, with the failure's own text.
-    StdoutCapture failed(at("out3"));
+    StdoutCapture failed;
     EXPECT_FALSE(detail::copyPreferenceFile(wat("from/pipe"), wat("to"), true));
     const std::string text = failed.text();
     const std::size_t what = text.find("copy_file failed for");

@@ -4,6 +4,8 @@
 #include <settingscore/core/storage/detail/PreferencesDirectoryDetail.hpp>
 
 #include "StorageTestSupport.hpp"
+#include "platform/hf/Threads.hpp"
+#include "platform/hlu/StdoutCapture.hpp"
 
 #include <platform/hf/i18n/Conversion.hpp>
 
@@ -11,14 +13,12 @@
 
 #include <atomic>
 #include <filesystem>
-#include <thread>
 #include <utility>
 #include <vector>
 
 using namespace settings::core;
-using storagetest::ChildReport;
+using hlutest::StdoutCapture;
 using storagetest::expectInChild;
-using storagetest::StdoutCapture;
 using storagetest::StorageTest;
 using testsupport::EnvVarGuard;
 namespace stdfs = std::filesystem;
@@ -45,7 +45,7 @@ bool isEmptyFolder(const stdfs::path& folder) {
 TEST_F(StorageTest, SourcesAreOverrideThenEnvironmentReadOnceThenStandard) {
     const std::wstring standard = wat("config/Lindqvare/TOLVAN/V2041b");
     stdfs::create_directories(at("config"));
-    expectInChild([&](ChildReport& r) {
+    expectInChild([&](int& r) {
         // Final separators of the roaming folder do not double up; a get without creation
         // makes nothing.
         EnvVarGuard slashes("XDG_CONFIG_HOME", at("config").string() + "//");
@@ -64,7 +64,7 @@ TEST_F(StorageTest, SourcesAreOverrideThenEnvironmentReadOnceThenStandard) {
         STORAGE_CHILD_CHECK(r, refusedPath(true) == L"relative/prefs");
         STORAGE_CHILD_CHECK(r, !stdfs::exists("relative"));
     });
-    expectInChild([&](ChildReport& r) {
+    expectInChild([&](int& r) {
         // Set before the first get, the variable wins over the standard directory, keeps its
         // first value and yields to the override.
         EnvVarGuard env("TOLVAN_PREFDIR", at("env").string());
@@ -75,11 +75,11 @@ TEST_F(StorageTest, SourcesAreOverrideThenEnvironmentReadOnceThenStandard) {
         setPreferencesDirectoryUStr(L"");
         STORAGE_CHILD_CHECK(r, getPreferencesDirectoryUStr(false) == wat("env"));
     });
-    expectInChild([&](ChildReport& r) {
+    expectInChild([&](int& r) {
         EnvVarGuard relative("TOLVAN_PREFDIR", "prefs");
         STORAGE_CHILD_CHECK(r, refusedPath(false) == L"prefs");
     });
-    expectInChild([&](ChildReport& r) {
+    expectInChild([&](int& r) {
         // No XDG_CONFIG_HOME: .config below HOME, made on the way; an empty TOLVAN_PREFDIR
         // counts as unset.
         EnvVarGuard config("XDG_CONFIG_HOME", std::nullopt), env("TOLVAN_PREFDIR", "");
@@ -87,14 +87,14 @@ TEST_F(StorageTest, SourcesAreOverrideThenEnvironmentReadOnceThenStandard) {
             r, getPreferencesDirectoryUStr(false) == wat("home/.config/Lindqvare/TOLVAN/V2041b"));
         STORAGE_CHILD_CHECK(r, isEmptyFolder(at("home/.config")));
     });
-    expectInChild([&](ChildReport& r) {
+    expectInChild([&](int& r) {
         EnvVarGuard config("XDG_CONFIG_HOME", std::nullopt), home("HOME", std::nullopt);
         STORAGE_CHILD_CHECK(r, refusedPath(false) == L"Lindqvare/TOLVAN/V2041b");
     });
     // A TOLVAN_PREFDIR that is not there yet is made and migrated into: the trigger is the
     // creation, not where the path came from.
     testsupport::writeFile(at("previous/a.settings"), "A");
-    expectInChild([&](ChildReport& r) {
+    expectInChild([&](int& r) {
         EnvVarGuard env("TOLVAN_PREFDIR", at("fresh/prefs").string());
         setUnitTestPreviousPrefDir(wat("previous"));
         STORAGE_CHILD_CHECK(r, getPreferencesDirectoryUStr(true) == wat("fresh/prefs"));
@@ -153,7 +153,7 @@ TEST_F(StorageTest, CreationStatusAndWhatFollowsIt) {
 
     // Cannot be made: a warning, an empty answer, no failure; without creation just the path.
     setPreferencesDirectoryUStr(wat("file/prefs"));
-    StdoutCapture capture(at("out1"));
+    StdoutCapture capture;
     EXPECT_EQ(L"", getPreferencesDirectoryUStr(true));
     EXPECT_EQ("Warning: failed to create preference directory " + at("file/prefs").string() +
                   ".\nCheck directory permissions.",
@@ -162,7 +162,7 @@ TEST_F(StorageTest, CreationStatusAndWhatFollowsIt) {
 
     // An empty directory without a failed creation: the other warning, and no migration.
     for (int status : {0, 1}) {
-        StdoutCapture nullWarning(at("out2"));
+        StdoutCapture nullWarning;
         std::wstring dir;
         EXPECT_NO_THROW(detail::completePreferencesDirectory(status, dir));
         EXPECT_EQ("Warning: failed to create NULL preference directory. \n", nullWarning.text());
@@ -180,17 +180,11 @@ TEST_F(StorageTest, FirstGetsAtOnceAllSeeOneCompleteMigration) {
     // Whichever get made the directory, the others wait for its copy instead of returning a
     // directory that exists but is half filled.
     std::atomic<int> complete{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([&] {
-            const stdfs::path dir(getPreferencesDirectoryUStr(true));
-            complete += stdfs::exists(dir / "creation.timestamp") &&
-                        stdfs::exists(dir / "sub3/f199.settings");
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    hftest::onThreads(4, [&](int) {
+        const stdfs::path dir(getPreferencesDirectoryUStr(true));
+        complete +=
+            stdfs::exists(dir / "creation.timestamp") && stdfs::exists(dir / "sub3/f199.settings");
+    });
     EXPECT_EQ(4, complete.load());
 }
 

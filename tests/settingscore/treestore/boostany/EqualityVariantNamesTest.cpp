@@ -2,12 +2,14 @@
 // the exception texts, and concurrent use of the stateless layer.
 #include "ValueSamples.hpp"
 
+#include "platform/hf/Threads.hpp"
+
 #include <gtest/gtest.h>
 
 #include <boost/variant/get.hpp>
 
+#include <atomic>
 #include <cmath>
-#include <thread>
 
 namespace ba = treestore::boostany;
 using boostanytest::forEachType;
@@ -109,22 +111,15 @@ TEST(BoostAnyThreads, ConcurrentReadsOfSharedValues) {
     const boost::any text = std::wstring(L"-1234");
     const boost::any vector = std::vector<double>{0.5, 1e300};
     const std::vector<std::wstring> vectorText{L"0.5", L"1.0000000000000001e+300"};
-    std::vector<int> failures(4, 0);
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([&, t] {
-            for (int i = 0; i < 2000; ++i) {
-                const bool ok = ba::get<std::wstring>(number, true) == L"0.100000001" &&
-                                ba::get<int>(text, true) == -1234 &&
-                                ba::get<std::vector<std::wstring>>(vector, true) == vectorText;
-                failures[t] += ok ? 0 : 1;
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(failures, std::vector<int>(4, 0));
+    std::atomic<int> failures{0};
+    hftest::onThreads(4, [&](int) {
+        for (int i = 0; i < 2000; ++i) {
+            failures += ba::get<std::wstring>(number, true) != L"0.100000001" ||
+                        ba::get<int>(text, true) != -1234 ||
+                        ba::get<std::vector<std::wstring>>(vector, true) != vectorText;
+        }
+    });
+    EXPECT_EQ(0, failures.load());
 }
 
 }  // namespace

@@ -2,22 +2,18 @@
 // the process's C locale.
 #include "ValueSamples.hpp"
 
-#include <support/EnvVarGuard.hpp>
-#include <support/TempDir.hpp>
+#include "platform/hlu/CommaLocale.hpp"
 
 #include <gtest/gtest.h>
 
 #include <boost/lexical_cast.hpp>
 #include <boost/numeric/conversion/cast.hpp>
 
-#include <clocale>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <optional>
 #include <random>
 
 namespace ba = treestore::boostany;
@@ -109,47 +105,12 @@ TEST(BoostAnyText, TextToNumbersAndBool) {
     }
 }
 
-// Restores the whole C locale when the scope ends.
-class CLocaleGuard {
-public:
-    CLocaleGuard() : saved_(std::setlocale(LC_ALL, nullptr)) {}
-    ~CLocaleGuard() { std::setlocale(LC_ALL, saved_.c_str()); }
-    CLocaleGuard(const CLocaleGuard&) = delete;
-    CLocaleGuard& operator=(const CLocaleGuard&) = delete;
-
-private:
-    std::string saved_;
-};
-
-bool selectCommaLocale(const char* name) {
-    return std::setlocale(LC_ALL, name) != nullptr &&
-           std::strcmp(std::localeconv()->decimal_point, ",") == 0;
-}
-
-// Float text does not follow a comma LC_NUMERIC. Uses an installed comma locale, or compiles
-// one into a temporary folder when the machine has the locale sources but none installed.
+// Float text does not follow a comma LC_NUMERIC.
 TEST(BoostAnyText, FloatingTextIgnoresACommaCLocale) {
-    testsupport::TempDir localeDir;
-    std::optional<testsupport::EnvVarGuard> localePath;
-    CLocaleGuard restore;  // destroyed first: the locale goes back before its files go
-
-    bool found = false;
-    for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "fr_FR.utf8"}) {
-        if ((found = selectCommaLocale(name))) {
-            break;
-        }
-    }
-    const std::string build = "localedef -i de_DE -f UTF-8 '" +
-                              (localeDir.path() / "de_DE.UTF-8").string() + "' >/dev/null 2>&1";
-    if (!found && std::system(build.c_str()) == 0) {
-        localePath.emplace("LOCPATH", localeDir.path().string());
-        found = selectCommaLocale("de_DE.UTF-8");
-    }
-    if (!found) {
+    hlutest::CommaLocale comma;
+    if (!comma.active()) {
         GTEST_SKIP() << "no locale with a decimal comma is installed or can be built";
     }
-    ASSERT_EQ(printfText(0.5, 3), L"0,5");  // the locale is really in force
-
     EXPECT_EQ(text(0.1f), L"0.100000001");
     EXPECT_EQ(text(6.02214076e23), L"6.0221407599999999e+23");
     EXPECT_EQ(parse<double>(L"0.25"), 0.25);
