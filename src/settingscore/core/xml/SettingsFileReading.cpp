@@ -3,6 +3,7 @@
 #include <settingscore/core/SettingsImpl.hpp>
 #include <settingscore/core/exception/Exceptions.hpp>
 #include <settingscore/core/xml/SettingsFileParser.hpp>
+#include <settingscore/core/xml/detail/NodeBuilder.hpp>
 
 #include <platform/hf/filesystem/Operations.hpp>
 #include <platform/hf/filesystem/Path.hpp>
@@ -23,12 +24,19 @@ boost::shared_ptr<SettingsImpl> mergeFileTree(const boost::shared_ptr<SettingsIm
     // tree lock of the merge, and the live tree's readers never wait for a file.
     boost::shared_mutex privateMutex;
     UpgradeLock lock(privateMutex);
-    auto copy = accumulated->deepCopySubtree(lock);
+    // The merge works on a copy, so that a file that fails leaves `accumulated` as it was; only
+    // the nodes that `next` touches are copied, the rest is shared and claimed at the end.
+    const auto copy = NodeBuilder::copyForMerge(lock, *accumulated);
     if (!next) {
+        NodeBuilder::claimSharedChildren(lock, copy);
         return copy;
     }
     try {
-        copy->mergeNode(lock, next, levelName, !firstMerged, true);
+        // With nothing below the top to merge with (a product's first file), the file's own
+        // nodes are taken over instead of being copied one by one.
+        if (!NodeBuilder::mergeIntoEmptyGroup(lock, *copy, next, levelName, !firstMerged)) {
+            NodeBuilder::mergeCopyingPath(lock, copy, next, levelName, !firstMerged);
+        }
         firstMerged = true;
     } catch (const hf::except::IMsgIDException& e) {
         errors += file + L"\t" +
@@ -38,8 +46,10 @@ boost::shared_ptr<SettingsImpl> mergeFileTree(const boost::shared_ptr<SettingsIm
         return accumulated;
     } catch (const exception::MultipleRuntimeFuncError& e) {
         errors += file + L"\t" + hf::i18n::to_ustring(e.what()) + L"\n";
+        NodeBuilder::claimSharedChildren(lock, copy);
         return copy;  // this one failure keeps what was merged before it
     }
+    NodeBuilder::claimSharedChildren(lock, copy);
     return copy;
 }
 

@@ -24,11 +24,15 @@ boost::shared_ptr<SettingsImpl> readSettingsFile(const std::wstring& path);
 // Null for an empty path, else readSettingsFile.
 boost::shared_ptr<SettingsImpl> loadSettingsFile(const std::wstring& path);
 
-// A copy of `accumulated` with `next` merged in at `levelName`; `accumulated` itself is never
-// changed. The first merge takes the definitions of `next` (`firstMerged` false), later ones
-// only for new nodes. A message failure of the merge leaves `accumulated` as the result and
-// adds the line "<file>\t<message>\n" to `errors`; two run-time defaults on one key add such a
-// line and keep the copy as far as it got; anything else is thrown.
+// A copy of `accumulated` with `next` merged in at `levelName`. The first merge takes the
+// definitions of `next` (`firstMerged` false), later ones only for new nodes. A message
+// failure of the merge leaves `accumulated` as the result, unchanged, and adds the line
+// "<file>\t<message>\n" to `errors`; two run-time defaults on one key add such a line and
+// keep the copy as far as it got; anything else is thrown, `accumulated` unchanged.
+// The copy shares (and takes over) the subtrees of `accumulated` that `next` does not touch,
+// so once a result other than `accumulated` is returned, `accumulated` is spent: the caller
+// uses the result in its place. `next` is given up to the merge: it may lose nodes to the
+// result.
 boost::shared_ptr<SettingsImpl> mergeFileTree(const boost::shared_ptr<SettingsImpl>& accumulated,
                                               const boost::shared_ptr<SettingsImpl>& next,
                                               const std::string& levelName, bool& firstMerged,

@@ -23,8 +23,8 @@ const XMLNode::ChildFactories documentElementFactories{
     throw xercesc::SAXException(detail::toUtf16Buffer(message).get());
 }
 
-[[noreturn]] void throwSaxException(const char* message) {
-    throw xercesc::SAXException(detail::toUtf16Buffer(std::string(message)).get());
+[[noreturn]] void throwSaxException(const std::string& message) {
+    throw xercesc::SAXException(detail::toUtf16Buffer(message).get());
 }
 
 // Runs one callback's work; a message failure leaves as a SAXException with its catalogue text.
@@ -46,10 +46,15 @@ SettingsSaxHandler::~SettingsSaxHandler() = default;
 
 void SettingsSaxHandler::startDocument() {
     stack_.clear();
+    textLength_ = 0;
 }
 
 void SettingsSaxHandler::startElement(const XMLCh* const, const XMLCh* const localName,
                                       const XMLCh* const, const xercesc::Attributes& attributes) {
+    if (stack_.size() >= maxDepth) {
+        throwSaxException("Elements nested deeper than " + std::to_string(maxDepth) + " levels");
+    }
+    textLength_ = 0;
     guarded([&] {
         const std::string tag = detail::toNarrowText(localName);
         boost::shared_ptr<XMLNode> created;
@@ -69,6 +74,7 @@ void SettingsSaxHandler::startElement(const XMLCh* const, const XMLCh* const loc
 
 void SettingsSaxHandler::endElement(const XMLCh* const, const XMLCh* const localName,
                                     const XMLCh* const) {
+    textLength_ = 0;
     guarded([&] {
         const std::string tag = detail::toNarrowText(localName);
         if (stack_.empty() || stack_.back()->getTagName() != tag) {
@@ -91,11 +97,20 @@ void SettingsSaxHandler::endElement(const XMLCh* const, const XMLCh* const local
 }
 
 void SettingsSaxHandler::characters(const XMLCh* const chars, const XMLSize_t length) {
+    textLength_ += length;
+    if (textLength_ > maxTextLength) {
+        throwSaxException("Element texts longer than " + std::to_string(maxTextLength) +
+                          " characters");
+    }
     guarded([&] {
         if (!stack_.empty()) {
             stack_.back()->setText(detail::toWideText(chars, length));
         }
     });
+}
+
+void SettingsSaxHandler::startDTD(const XMLCh* const, const XMLCh* const, const XMLCh* const) {
+    throwSaxException("Settings files have no document type declaration");
 }
 
 bool SettingsSaxHandler::popAdditionalPath(std::wstring& path) {

@@ -10,6 +10,7 @@
 
 #include <xercesc/sax2/DefaultHandler.hpp>
 
+#include <cstddef>
 #include <deque>
 #include <string>
 #include <vector>
@@ -28,23 +29,46 @@ namespace core {
 // (numeric overflow, boost::bad_lexical_cast, the tree's own failures) passes through the
 // parser unchanged. Errors of the parser itself go to the error handler, not here.
 //
+// Three refusals guard against hostile files, each as a SAXException with its own text:
+// an element nested deeper than maxDepth levels ("Elements nested deeper than 256 levels"),
+// refused before anything is built for it, since the cost of building grows with the depth;
+// an element's text beyond maxTextLength characters ("Element texts longer than 1048576
+// characters"), refused before it reaches the element's object, since the text is kept in
+// memory outside the parser's own budget; and, as the reader's lexical handler, a document type
+// declaration with a subset ("Settings files have no document type declaration"), refused before
+// the subset is read.
+//
 // One handler may serve several parses in turn, on one thread.
 class SettingsSaxHandler : public xercesc::DefaultHandler {
 public:
+    // The deepest nesting admitted, the document element being level 1. The deepest settings
+    // file the writer makes is a product with its groups, a key and its type element, value
+    // and metadata: far below this.
+    static constexpr std::size_t maxDepth = 256;
+    // The longest text of one element, counted in UTF-16 units as the parser delivers it:
+    // far beyond any real value, small enough to keep a hostile text cheap.
+    static constexpr std::size_t maxTextLength = 1u << 20;
+
     SettingsSaxHandler();
     ~SettingsSaxHandler() override;
 
     // Forgets the open elements of a parse that ended in a failure.
     void startDocument() override;
     // Throws SAXException "Illegal tag encountered at the beginning of the Settings XMLfile"
-    // for a document element other than "settings".
+    // for a document element other than "settings", and "Elements nested deeper than 256
+    // levels" for an element below maxDepth open ones.
     void startElement(const XMLCh* const uri, const XMLCh* const localName,
                       const XMLCh* const qName, const xercesc::Attributes& attributes) override;
     // Throws SAXException "Mismatch in tag hierarchy between parser and node stack" should the
     // closing tag not be the innermost open element's.
     void endElement(const XMLCh* const uri, const XMLCh* const localName,
                     const XMLCh* const qName) override;
+    // Throws SAXException "Element texts longer than 1048576 characters" when the text of the
+    // innermost element grows past maxTextLength.
     void characters(const XMLCh* const chars, const XMLSize_t length) override;
+    // Throws SAXException "Settings files have no document type declaration".
+    void startDTD(const XMLCh* const name, const XMLCh* const publicId,
+                  const XMLCh* const systemId) override;
 
     // What the last document produced: its product node, null until a document element closed.
     boost::shared_ptr<Settings> getResult() const { return result_; }
@@ -56,6 +80,7 @@ public:
 
 private:
     std::deque<boost::shared_ptr<XMLNode>> stack_;
+    std::size_t textLength_ = 0;  // of the innermost element since its last child or start
     boost::shared_ptr<Settings> result_;
     std::vector<std::wstring> additionalPaths_;
 };

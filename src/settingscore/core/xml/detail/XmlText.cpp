@@ -41,7 +41,19 @@ std::wstring toWideText(const XMLCh* text) {
 }
 
 std::string toNarrowText(const XMLCh* text) {
-    return hf::i18n::to_string(toWideText(text));
+    if (!text) {
+        return std::string();
+    }
+    // Tags, names and numbers are plain ASCII nearly always: taken over unit by unit, without
+    // the detour through wide text.
+    std::string ascii;
+    for (const XMLCh* unit = text; *unit; ++unit) {
+        if (*unit >= 0x80) {
+            return hf::i18n::to_string(toWideText(text));
+        }
+        ascii += static_cast<char>(*unit);
+    }
+    return ascii;
 }
 
 Utf16Buffer toUtf16Buffer(const std::string& utf8) {
@@ -57,7 +69,18 @@ Utf16Buffer toUtf16Buffer(const std::wstring& text) {
 }
 
 std::string attributeText(const xercesc::Attributes& attributes, const XMLCh* localName) {
-    return toNarrowText(attributes.getValue(u"", localName));
+    // One pass over the element's few attributes: the lookup by namespace and name that the
+    // attribute list offers resolves the namespace on every call.
+    const XMLSize_t count = attributes.getLength();
+    for (XMLSize_t i = 0; i < count; ++i) {
+        if (xercesc::XMLString::equals(attributes.getLocalName(i), localName)) {
+            const XMLCh* const uri = attributes.getURI(i);
+            if (!uri || !*uri) {
+                return toNarrowText(attributes.getValue(i));
+            }
+        }
+    }
+    return std::string();
 }
 
 }  // namespace detail

@@ -1,0 +1,168 @@
+// NodeBuilder: the merges of a file's tree that spare the copies of a plain merge. Both reach
+// the outcome of SettingsImpl::mergeNode by running it on the top nodes only (their children
+// stepped aside) and doing the rest themselves.
+#include <settingscore/core/xml/detail/NodeBuilder.hpp>
+
+#include <settingscore/core/SettingsImpl.hpp>
+
+#include <boost/make_shared.hpp>
+#include <boost/thread/locks.hpp>
+#include <boost/variant/static_visitor.hpp>
+
+#include <type_traits>
+
+namespace settings {
+namespace core {
+namespace detail {
+
+namespace {
+
+static_assert(
+    std::is_same<SettingsImpl::ChildMap,
+                 std::map<std::string, boost::shared_ptr<SettingsImpl>, std::less<>>>::value,
+    "NodeBuilder::ChildMap must be the node's own");
+
+class SetBelongingLevel : public boost::static_visitor<void> {
+public:
+    explicit SetBelongingLevel(const std::string& level) : level_(level) {}
+    void operator()(boost::mpl::void_&) const {}
+    template <class RunTimeDefault>
+    void operator()(RunTimeDefault& runTimeDefault) const {
+        runTimeDefault.setBelongingLevel(level_);
+    }
+
+private:
+    const std::string& level_;
+};
+
+}  // namespace
+
+void NodeBuilder::mergeTopOnly(UpgradeLock& lock, SettingsImpl& into,
+                               const boost::shared_ptr<SettingsImpl>& from,
+                               const std::string& level, bool takeDefinition,
+                               ChildMap& fromChildren) {
+    {
+        UniqueFromUpgrade exclusive(lock);
+        fromChildren.swap(from->children_);
+    }
+    try {
+        into.mergeNode(lock, from, level, takeDefinition, true);
+    } catch (...) {
+        UniqueFromUpgrade exclusive(lock);
+        from->children_.swap(fromChildren);
+        throw;
+    }
+}
+
+// What the merge does to a node that it creates from `node`, done to `node` itself.
+void NodeBuilder::takeOverAtLevel(const UniqueFromUpgrade& lock, SettingsImpl& node,
+                                  const std::string& level) {
+    if (!node.isKey_) {
+        for (const auto& child : node.children_) {
+            takeOverAtLevel(lock, *child.second, level);
+        }
+        return;
+    }
+    boost::apply_visitor(SetBelongingLevel(level), node.runTimeDefault_);
+    boost::any value = node.effectiveValue(lock, false);
+    node.values_.clear();
+    if (!value.empty()) {
+        node.values_[level] = std::move(value);
+    }
+}
+
+bool NodeBuilder::mergeIntoEmptyGroup(UpgradeLock& lock, SettingsImpl& into,
+                                      const boost::shared_ptr<SettingsImpl>& from,
+                                      const std::string& level, bool takeDefinition) {
+    requireUpgradeLock(lock);
+    if (into.isKey_ || from->isKey_ || !into.children_.empty()) {
+        return false;
+    }
+    ChildMap children;
+    mergeTopOnly(lock, into, from, level, takeDefinition, children);
+    UniqueFromUpgrade exclusive(lock);
+    const boost::shared_ptr<SettingsImpl> parent = into.shared_from_this();
+    for (const auto& child : children) {
+        takeOverAtLevel(exclusive, *child.second, level);
+        child.second->parent_ = parent;
+    }
+    into.children_.swap(children);
+    return true;
+}
+
+boost::shared_ptr<SettingsImpl> NodeBuilder::copyForMerge(UpgradeLock& lock,
+                                                          const SettingsImpl& original) {
+    requireUpgradeLock(lock);
+    auto copy = boost::make_shared<SettingsImpl>(original);
+    copy->values_ = original.values_;
+    copy->children_ = original.children_;
+    // The copy's bounds are its own: bounds naming the original would keep its memory.
+    boost::unique_lock<boost::shared_mutex> caches(keyCacheMutex());
+    if (copy->arraySizeBounds_) {
+        copy->arraySizeBounds_ = ArraySizeBounds(copy, copy->arraySizeBounds_->getMinArraySize(),
+                                                 copy->arraySizeBounds_->getMaxArraySize());
+    }
+    return copy;
+}
+
+void NodeBuilder::mergeCopyingPath(UpgradeLock& lock, const boost::shared_ptr<SettingsImpl>& copy,
+                                   const boost::shared_ptr<SettingsImpl>& from,
+                                   const std::string& level, bool takeDefinition) {
+    requireUpgradeLock(lock);
+    if (copy->isKey_ || from->isKey_) {
+        // A key has no children to spare, and a key against a group fails the same way here.
+        copy->mergeNode(lock, from, level, takeDefinition, true);
+        return;
+    }
+    ChildMap fromChildren;
+    mergeTopOnly(lock, *copy, from, level, takeDefinition, fromChildren);
+    {
+        UniqueFromUpgrade exclusive(lock);
+        from->children_.swap(fromChildren);
+    }
+    // As mergeChildren does it, in the same order, but a child that both have is copied before
+    // it is merged into, and the copy takes its place below `copy`.
+    for (const auto& entry : from->children_) {
+        const auto& fromChild = entry.second;
+        const auto mine = copy->children_.find(entry.first);
+        if (mine != copy->children_.end()) {
+            const auto childCopy = copyForMerge(lock, *mine->second);
+            {
+                UniqueFromUpgrade exclusive(lock);
+                childCopy->parent_ = copy;
+                mine->second = childCopy;
+            }
+            mergeCopyingPath(lock, childCopy, fromChild, level, false);
+            continue;
+        }
+        auto created = boost::make_shared<SettingsImpl>(fromChild->name_, fromChild->isKey_,
+                                                        fromChild->visible_, ValidatorVariant(),
+                                                        boost::shared_ptr<SettingsImpl>());
+        created->mergeNode(lock, fromChild, level, true, true);
+        UniqueFromUpgrade exclusive(lock);
+        copy->insertChild(exclusive, created);
+        created->parent_ = copy;
+    }
+}
+
+void NodeBuilder::claimSharedChildren(UpgradeLock& lock,
+                                      const boost::shared_ptr<SettingsImpl>& copy) {
+    requireUpgradeLock(lock);
+    UniqueFromUpgrade exclusive(lock);
+    claimSharedChildren(exclusive, copy);
+}
+
+void NodeBuilder::claimSharedChildren(const UniqueFromUpgrade& lock,
+                                      const boost::shared_ptr<SettingsImpl>& node) {
+    for (const auto& child : node->children_) {
+        if (child.second->parent_.lock() == node) {
+            claimSharedChildren(lock, child.second);  // copied or created by the merge
+        } else {
+            child.second->parent_ = node;  // shared: its own subtree is in order
+        }
+    }
+}
+
+}  // namespace detail
+}  // namespace core
+}  // namespace settings
