@@ -8,6 +8,7 @@
 // hold from it. The live merge holds the root mutex exclusively (from upgrade) throughout.
 #include <settingscore/core/SettingsImpl.hpp>
 
+#include <settingscore/core/callouts/detail/BelongingLevel.hpp>
 #include <settingscore/core/detail/FileLayerHooks.hpp>
 #include <settingscore/core/detail/LockInstantiation.hpp>
 #include <settingscore/core/events/detail/EventPublishing.hpp>
@@ -16,25 +17,11 @@
 #include <settingscore/treestore/boostany/BoostAny.hpp>
 
 #include <boost/make_shared.hpp>
-#include <boost/variant/static_visitor.hpp>
 
 namespace settings {
 namespace core {
 
 namespace {
-
-class SetBelongingLevel : public boost::static_visitor<void> {
-public:
-    explicit SetBelongingLevel(const std::string& level) : level_(level) {}
-    void operator()(boost::mpl::void_&) const {}
-    template <class RunTimeDefault>
-    void operator()(RunTimeDefault& runTimeDefault) const {
-        runTimeDefault.setBelongingLevel(level_);
-    }
-
-private:
-    const std::string& level_;
-};
 
 bool isNone(const RunTimeDefaultVariant& runTimeDefault) {
     return runTimeDefault.which() == 0;
@@ -149,7 +136,7 @@ void SettingsImpl::mergeKey(detail::UpgradeLock& lock, const boost::shared_ptr<S
         }
         detail::UniqueFromUpgrade exclusive(lock);
         runTimeDefault_ = other->runTimeDefault_;
-        boost::apply_visitor(SetBelongingLevel(levelName), runTimeDefault_);
+        detail::setBelongingLevel(runTimeDefault_, levelName);
     }
     boost::any value = other->effectiveValue(lock, false);
     if (value.empty()) {

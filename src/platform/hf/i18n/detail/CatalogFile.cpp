@@ -22,23 +22,8 @@ namespace {
 
 namespace xc = xercesc;
 
-// UTF-16 from the parser to wide text, pairing surrogates; a lone surrogate becomes U+FFFD.
 std::wstring toWide(const XMLCh* text, std::size_t length) {
-    std::wstring result;
-    result.reserve(length);
-    for (std::size_t i = 0; i < length; ++i) {
-        const char32_t unit = text[i];
-        if (unit >= 0xD800 && unit <= 0xDBFF && i + 1 < length && text[i + 1] >= 0xDC00 &&
-            text[i + 1] <= 0xDFFF) {
-            const char32_t low = text[++i];
-            result += static_cast<wchar_t>(0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
-        } else if (unit >= 0xD800 && unit <= 0xDFFF) {
-            result += L'\uFFFD';
-        } else {
-            result += static_cast<wchar_t>(unit);
-        }
-    }
-    return result;
+    return utf16_to_ustring(text, length);
 }
 
 std::string toUtf8(const XMLCh* text) {

@@ -4,10 +4,10 @@
 #include <settingscore/core/xml/detail/NodeBuilder.hpp>
 
 #include <settingscore/core/SettingsImpl.hpp>
+#include <settingscore/core/callouts/detail/BelongingLevel.hpp>
 
 #include <boost/make_shared.hpp>
 #include <boost/thread/locks.hpp>
-#include <boost/variant/static_visitor.hpp>
 
 #include <type_traits>
 
@@ -21,19 +21,6 @@ static_assert(
     std::is_same<SettingsImpl::ChildMap,
                  std::map<std::string, boost::shared_ptr<SettingsImpl>, std::less<>>>::value,
     "NodeBuilder::ChildMap must be the node's own");
-
-class SetBelongingLevel : public boost::static_visitor<void> {
-public:
-    explicit SetBelongingLevel(const std::string& level) : level_(level) {}
-    void operator()(boost::mpl::void_&) const {}
-    template <class RunTimeDefault>
-    void operator()(RunTimeDefault& runTimeDefault) const {
-        runTimeDefault.setBelongingLevel(level_);
-    }
-
-private:
-    const std::string& level_;
-};
 
 }  // namespace
 
@@ -63,7 +50,7 @@ void NodeBuilder::takeOverAtLevel(const UniqueFromUpgrade& lock, SettingsImpl& n
         }
         return;
     }
-    boost::apply_visitor(SetBelongingLevel(level), node.runTimeDefault_);
+    setBelongingLevel(node.runTimeDefault_, level);
     boost::any value = node.effectiveValue(lock, false);
     node.values_.clear();
     if (!value.empty()) {

@@ -16,24 +16,7 @@ static_assert(std::is_same<XMLCh, char16_t>::value,
               "the parser's characters are expected to be UTF-16 code units");
 
 std::wstring toWideText(const XMLCh* text, std::size_t length) {
-    std::wstring result;
-    if (!text) {
-        return result;
-    }
-    result.reserve(length);
-    for (std::size_t i = 0; i < length; ++i) {
-        const char32_t unit = text[i];
-        const bool high = unit >= 0xD800 && unit <= 0xDBFF;
-        if (high && i + 1 < length && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
-            const char32_t low = text[++i];
-            result += static_cast<wchar_t>(0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
-        } else if (unit >= 0xD800 && unit <= 0xDFFF) {
-            result += L'\uFFFD';
-        } else {
-            result += static_cast<wchar_t>(unit);
-        }
-    }
-    return result;
+    return hf::i18n::utf16_to_ustring(text, length);
 }
 
 std::wstring toWideText(const XMLCh* text) {
