@@ -34,9 +34,13 @@ boost::shared_ptr<SettingsImpl> mergeFileTree(const boost::shared_ptr<SettingsIm
     try {
         // With nothing below the top to merge with (a product's first file), the file's own
         // nodes are taken over instead of being copied one by one.
-        if (!NodeBuilder::mergeIntoEmptyGroup(lock, *copy, next, levelName, !firstMerged)) {
-            NodeBuilder::mergeCopyingPath(lock, copy, next, levelName, !firstMerged);
+        if (NodeBuilder::mergeIntoEmptyGroup(lock, *copy, next, levelName, !firstMerged)) {
+            // Every node below `copy` came from `next` and names `copy` as its parent:
+            // nothing is shared with `accumulated`, which had no children.
+            firstMerged = true;
+            return copy;
         }
+        NodeBuilder::mergeCopyingPath(lock, copy, next, levelName, !firstMerged);
         firstMerged = true;
     } catch (const hf::except::IMsgIDException& e) {
         errors += file + L"\t" +

@@ -65,6 +65,7 @@ void SettingsSaxHandler::startElement(const XMLCh* const, const XMLCh* const loc
                     "Illegal tag encountered at the beginning of the Settings XMLfile");
             }
             created = factory->second(attributes, nullptr);
+            created->buildLock_ = &buildLock_.get();
         } else {
             created = stack_.back()->createChild(tag, attributes);
         }

@@ -5,6 +5,7 @@
 
 #include <settingscore/core/SettingsFwd.hpp>
 #include <settingscore/core/xml/XMLNode.hpp>
+#include <settingscore/core/xml/detail/BuildLock.hpp>
 
 #include <boost/shared_ptr.hpp>
 
@@ -38,7 +39,8 @@ namespace core {
 // declaration with a subset ("Settings files have no document type declaration"), refused before
 // the subset is read.
 //
-// One handler may serve several parses in turn, on one thread.
+// One handler may serve several parses in turn, on one thread. Its build lock (BuildLock.hpp)
+// is the tree lock of every node that its documents build.
 class SettingsSaxHandler : public xercesc::DefaultHandler {
 public:
     // The deepest nesting admitted, the document element being level 1. The deepest settings
@@ -79,6 +81,7 @@ public:
     bool popAdditionalPath(std::wstring& path);
 
 private:
+    detail::BuildLock buildLock_;
     std::deque<boost::shared_ptr<XMLNode>> stack_;
     std::size_t textLength_ = 0;  // of the innermost element since its last child or start
     boost::shared_ptr<Settings> result_;

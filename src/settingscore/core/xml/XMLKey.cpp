@@ -54,22 +54,17 @@ void XMLKey::setValueWriter(detail::ValueWriter writer) {
 }
 
 void XMLKey::finish() {
-    using detail::NodeBuilder;
-    if (!NodeBuilder::getTypeCode(*key_) && !anyType_) {
+    if (anyType_) {
+        valueWriter_ = detail::anyTypeValueWriter();
+    }
+    if (!detail::NodeBuilder::settleKey(buildLock(), *key_, anyType_, valueWriter_, parsedValue_,
+                                        readLevel)) {
         throw makeMessageException<TOLVAN::settings::core::TypeNotSpecifiedForNoneAnyType>(
             key_->getName());
     }
-    if (anyType_) {
-        NodeBuilder::setTypeCode(*key_, treestore::boostany::VoidTypeCode);
-        valueWriter_ = detail::anyTypeValueWriter();
-    }
-    NodeBuilder::setValueWriter(*key_, valueWriter_);
-    if (!NodeBuilder::hasRunTimeDefault(*key_)) {
-        NodeBuilder::setStoredValue(*key_, readLevel, parsedValue_);
-    }
     const auto parentNode = getParent() ? getParent()->getSettings() : nullptr;
     if (parentNode) {
-        key_->setParent(parentNode);
+        detail::NodeBuilder::attach(buildLock(), *key_, parentNode);
     }
 }
 

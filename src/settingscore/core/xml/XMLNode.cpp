@@ -6,7 +6,8 @@
 namespace settings {
 namespace core {
 
-XMLNode::XMLNode(const NodePtr& parent) : parent_(parent) {}
+XMLNode::XMLNode(const NodePtr& parent)
+    : parent_(parent), buildLock_(parent ? parent->buildLock_ : nullptr) {}
 
 XMLNode::~XMLNode() = default;
 

@@ -9,7 +9,10 @@
 // parses; the factory tables are built once and shared.
 #pragma once
 
+#include <settingscore/core/detail/TreeLock.hpp>
+
 #include <boost/enable_shared_from_this.hpp>
+#include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
 
 #include <xercesc/sax2/Attributes.hpp>
@@ -56,10 +59,15 @@ public:
     // The factory of class C: C built from (attributes, parent).
     template <class C>
     static NodePtr make(const xercesc::Attributes& attributes, const NodePtr& parent) {
-        return boost::shared_ptr<C>(new C(attributes, parent));
+        return boost::make_shared<C>(attributes, parent);
     }
 
 protected:
+    // The lock of the parse that builds this object's tree (the handler's, handed down from
+    // the document element), or null for an object built outside a parse, whose nodes the
+    // process's tree locks guard.
+    detail::UpgradeLock* buildLock() const { return buildLock_; }
+
     // The full name of getSettings() for messages; empty when there is none.
     std::string settingsFullName() const;
 
@@ -77,8 +85,11 @@ protected:
     }
 
 private:
+    friend class SettingsSaxHandler;  // gives the document element its parse's lock
+
     // Keeps the open chain alive: a parent outlives its children's objects.
     const NodePtr parent_;
+    detail::UpgradeLock* buildLock_;
 };
 
 // An element without child elements: every child tag is refused.

@@ -3,6 +3,7 @@
 #include <settingscore/core/SettingsImpl.hpp>
 #include <settingscore/core/xml/XMLCallouts.hpp>
 #include <settingscore/core/xml/XMLKey.hpp>
+#include <settingscore/core/xml/detail/NodeBuilder.hpp>
 #include <settingscore/core/xml/detail/XmlText.hpp>
 
 #include <boost/lexical_cast.hpp>
@@ -47,7 +48,7 @@ std::string XMLSettings::getTagName() const {
 
 void XMLSettings::finish() {
     if (getParent()) {
-        node_->setParent(getParent()->getSettings());
+        detail::NodeBuilder::attach(buildLock(), *node_, getParent()->getSettings());
     }
 }
 

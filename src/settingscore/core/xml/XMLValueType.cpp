@@ -39,11 +39,11 @@ XMLValueType<T>::XMLValueType(const xercesc::Attributes& attributes, const NodeP
     const XMLKey& key = parentAs<XMLKey>();
     SettingsImpl& node = *key.getSettings();
     constexpr int typeCode = treestore::boostany::typeCodeOf<T>();
-    NodeBuilder::setTypeCode(node, key.isAnyType() ? treestore::boostany::VoidTypeCode : typeCode);
-    NodeBuilder::setArraySizeBounds(
-        node, ArraySizeBounds(key.getSettings(), minArraySize_, maxArraySize_));
     const bool isArray = !(minArraySize_ == 1 && maxArraySize_ == 1);
-    NodeBuilder::setTypeConformer(node, detail::conformerFor(typeCode, isArray));
+    NodeBuilder::declareType(buildLock(), node,
+                             key.isAnyType() ? treestore::boostany::VoidTypeCode : typeCode,
+                             ArraySizeBounds(key.getSettings(), minArraySize_, maxArraySize_),
+                             detail::conformerFor(typeCode, isArray));
 }
 
 template <class T>

@@ -2,6 +2,7 @@
 
 #include <settingscore/core/SettingsImpl.hpp>
 #include <settingscore/core/detail/TreeLock.hpp>
+#include <settingscore/treestore/boostany/SupportedTypes.hpp>
 
 #include <boost/thread/locks.hpp>
 
@@ -63,6 +64,59 @@ void NodeBuilder::setValueWriter(SettingsImpl& node, ValueWriter writer) {
 ValueWriter NodeBuilder::getValueWriter(const SettingsImpl& node) {
     CacheRead lock(keyCacheMutex());
     return node.valueWriter_;
+}
+
+void NodeBuilder::declareType(UpgradeLock* build, SettingsImpl& node, int typeCode,
+                              const ArraySizeBounds& bounds, TypeConformer conformer) {
+    const auto declare = [&] {
+        node.typeCode_ = typeCode;
+        node.arraySizeBounds_ = bounds;
+        node.typeConformer_ = conformer;
+    };
+    if (build) {
+        UniqueFromUpgrade exclusive(*build);
+        declare();
+        return;
+    }
+    CacheWrite lock(keyCacheMutex());
+    declare();
+}
+
+bool NodeBuilder::settleKey(UpgradeLock* build, SettingsImpl& node, bool anyType,
+                            ValueWriter writer, boost::any& value, const std::string& level) {
+    boost::any replaced;  // what the level held before, if anything: dies after the locks
+    const auto settle = [&] {
+        if (!node.typeCode_ && !anyType) {
+            return false;
+        }
+        if (anyType) {
+            node.typeCode_ = treestore::boostany::VoidTypeCode;
+        }
+        node.valueWriter_ = writer;
+        if (node.runTimeDefault_.which() == 0) {
+            node.values_[level].swap(value);
+            replaced.swap(value);
+        }
+        return true;
+    };
+    if (build) {
+        UniqueFromUpgrade exclusive(*build);
+        return settle();
+    }
+    // The root mutex before the cache mutex, the order every holder of both keeps.
+    UpgradeLock lock(rootMutex());
+    UniqueFromUpgrade exclusive(lock);
+    CacheWrite caches(keyCacheMutex());
+    return settle();
+}
+
+void NodeBuilder::attach(UpgradeLock* build, SettingsImpl& child,
+                         const boost::shared_ptr<SettingsImpl>& parent) {
+    if (!build) {
+        child.setParent(parent);
+        return;
+    }
+    child.attachToParent(*build, parent, true);
 }
 
 void NodeBuilder::setMetaData(SettingsImpl& node, const SettingsKeyMetaData<boost::any>& metaData) {

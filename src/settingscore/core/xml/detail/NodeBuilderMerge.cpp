@@ -5,6 +5,7 @@
 
 #include <settingscore/core/SettingsImpl.hpp>
 #include <settingscore/core/callouts/detail/BelongingLevel.hpp>
+#include <settingscore/core/storage/SettingsLevelManager.hpp>
 
 #include <boost/make_shared.hpp>
 #include <boost/thread/locks.hpp>
@@ -16,6 +17,15 @@ namespace core {
 namespace detail {
 
 namespace {
+
+bool isLevelName(const std::string& name) {
+    for (const auto& known : SettingsLevelManager::getSettingsLevelObjs()) {
+        if (known.levelName() == name) {
+            return true;
+        }
+    }
+    return false;
+}
 
 static_assert(
     std::is_same<SettingsImpl::ChildMap,
@@ -51,6 +61,16 @@ void NodeBuilder::takeOverAtLevel(const UniqueFromUpgrade& lock, SettingsImpl& n
         return;
     }
     setBelongingLevel(node.runTimeDefault_, level);
+    if (node.values_.size() == 1) {
+        // A file's key holds at most the one value it was read with: its map entry is renamed
+        // to `level` in place, without building a new one.
+        auto entry = node.values_.extract(node.values_.begin());
+        if (!entry.mapped().empty() && isLevelName(entry.key())) {
+            entry.key() = level;
+            node.values_.insert(std::move(entry));
+        }
+        return;
+    }
     boost::any value = node.effectiveValue(lock, false);
     node.values_.clear();
     if (!value.empty()) {
