@@ -19,21 +19,27 @@ namespace {
 // Every file is read into this level of a standalone tree.
 constexpr char readLevel[] = "user";
 
-boost::shared_ptr<SettingsImpl> makeKey(const xercesc::Attributes& attributes) {
-    const bool readOnly = detail::attributeText(attributes, u"readonly") == "true";
-    const boost::optional<bool> visible = detail::attributeText(attributes, u"visible") == "true";
-    const std::string name = detail::attributeText(attributes, u"name");
+enum KeyAttribute { ReadOnlyText, VisibleText, NameText, AnyTypeText };
+
+std::array<std::string, 4> keyAttributes(const xercesc::Attributes& attributes) {
+    return detail::attributeTexts<4>(attributes, {u"readonly", u"visible", u"name", u"anytype"});
+}
+
+boost::shared_ptr<SettingsImpl> makeKey(const std::array<std::string, 4>& texts) {
+    const bool readOnly = texts[ReadOnlyText] == "true";
+    const boost::optional<bool> visible = texts[VisibleText] == "true";
     return boost::make_shared<SettingsImpl>(
-        name, true, visible, ValidatorVariant(),
+        texts[NameText], true, visible, ValidatorVariant(),
         readOnly ? SettingsImpl::ReadOnly : SettingsImpl::Writable, nullptr);
 }
 
 }  // namespace
 
 XMLKey::XMLKey(const xercesc::Attributes& attributes, const NodePtr& parent)
-    : XMLNode(parent), key_(makeKey(attributes)) {
-    anyType_ = detail::attributeText(attributes, u"anytype") == "true";
-}
+    : XMLKey(keyAttributes(attributes), parent) {}
+
+XMLKey::XMLKey(const std::array<std::string, 4>& texts, const NodePtr& parent)
+    : XMLNode(parent), key_(makeKey(texts)), anyType_(texts[AnyTypeText] == "true") {}
 
 XMLKey::~XMLKey() = default;
 
@@ -47,6 +53,10 @@ std::string XMLKey::getTagName() const {
 
 void XMLKey::setParsedValue(const boost::any& value) {
     parsedValue_ = value;
+}
+
+void XMLKey::setParsedValue(boost::any&& value) {
+    parsedValue_ = std::move(value);
 }
 
 void XMLKey::setValueWriter(detail::ValueWriter writer) {

@@ -6,6 +6,9 @@
 
 #include <boost/any.hpp>
 
+#include <array>
+#include <string>
+
 namespace settings {
 namespace core {
 
@@ -35,13 +38,17 @@ public:
     bool isAnyType() const { return anyType_; }
     // The value a type element read; replaces an earlier one.
     void setParsedValue(const boost::any& value);
+    void setParsedValue(boost::any&& value);
     void setValueWriter(detail::ValueWriter writer);
 
 private:
+    // From the texts of "readonly", "visible", "name" and "anytype", read in one pass.
+    XMLKey(const std::array<std::string, 4>& texts, const NodePtr& parent);
+
     const boost::shared_ptr<SettingsImpl> key_;
     boost::any parsedValue_;
     detail::ValueWriter valueWriter_ = nullptr;
-    bool anyType_ = false;
+    const bool anyType_;
 };
 
 }  // namespace core

@@ -15,17 +15,17 @@ namespace core {
 namespace {
 
 boost::shared_ptr<SettingsImpl> makeGroup(const xercesc::Attributes& attributes) {
-    const bool readOnly = detail::attributeText(attributes, u"readonly") == "true";
+    const auto texts =
+        detail::attributeTexts<4>(attributes, {u"readonly", u"visible", u"version", u"name"});
+    const bool readOnly = texts[0] == "true";
     // Stated even when false: "visible" counts as said whenever the element is read.
-    const boost::optional<bool> visible = detail::attributeText(attributes, u"visible") == "true";
-    const std::string versionText = detail::attributeText(attributes, u"version");
+    const boost::optional<bool> visible = texts[1] == "true";
     boost::optional<unsigned> version;
-    if (!versionText.empty()) {
-        version = boost::lexical_cast<unsigned>(versionText);
+    if (!texts[2].empty()) {
+        version = boost::lexical_cast<unsigned>(texts[2]);
     }
-    const std::string name = detail::attributeText(attributes, u"name");
     return boost::make_shared<SettingsImpl>(
-        name, false, visible, version, ValidatorVariant(),
+        texts[3], false, visible, version, ValidatorVariant(),
         readOnly ? SettingsImpl::ReadOnly : SettingsImpl::InheritReadOnly, nullptr);
 }
 

@@ -21,8 +21,8 @@ namespace {
 
 // An array size attribute. The schema supplies 1 for an absent one, so nothing here looks for
 // absence: text that is empty (or not a number) raises boost::bad_lexical_cast.
-unsigned arraySizeAttribute(const xercesc::Attributes& attributes, const XMLCh* name) {
-    return boost::lexical_cast<unsigned>(detail::attributeText(attributes, name));
+unsigned arraySize(const std::string& text) {
+    return boost::lexical_cast<unsigned>(text);
 }
 
 }  // namespace
@@ -31,10 +31,16 @@ unsigned arraySizeAttribute(const xercesc::Attributes& attributes, const XMLCh* 
 
 template <class T>
 XMLValueType<T>::XMLValueType(const xercesc::Attributes& attributes, const NodePtr& parent)
+    : XMLValueType(
+          detail::attributeTexts<3>(attributes, {u"minArraySize", u"maxArraySize", u"undef"}),
+          parent) {}
+
+template <class T>
+XMLValueType<T>::XMLValueType(const std::array<std::string, 3>& texts, const NodePtr& parent)
     : XMLNode(parent),
-      minArraySize_(arraySizeAttribute(attributes, u"minArraySize")),
-      maxArraySize_(arraySizeAttribute(attributes, u"maxArraySize")),
-      undef_(detail::attributeText(attributes, u"undef") == "true") {
+      minArraySize_(arraySize(texts[0])),
+      maxArraySize_(arraySize(texts[1])),
+      undef_(texts[2] == "true") {
     using detail::NodeBuilder;
     const XMLKey& key = parentAs<XMLKey>();
     SettingsImpl& node = *key.getSettings();
@@ -73,7 +79,7 @@ void XMLValueType<T>::finish() {
     if (count == 1 && maxArraySize_ == 1) {
         key.setParsedValue(boost::any(T(values_.front())));
     } else {
-        key.setParsedValue(boost::any(values_));
+        key.setParsedValue(boost::any(std::move(values_)));
     }
 }
 

@@ -7,6 +7,7 @@
 #include <settingscore/core/xml/XMLNode.hpp>
 #include <settingscore/core/xml/detail/ForEachTypeWord.hpp>
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,9 @@ public:
     void addValue(const T& value);
 
 private:
+    // From the texts of "minArraySize", "maxArraySize" and "undef", read in one pass.
+    XMLValueType(const std::array<std::string, 3>& texts, const NodePtr& parent);
+
     const unsigned minArraySize_;
     const unsigned maxArraySize_;
     const bool undef_;

@@ -29,14 +29,13 @@ std::string toNarrowText(const XMLCh* text) {
     }
     // Tags, names and numbers are plain ASCII nearly always: taken over unit by unit, without
     // the detour through wide text.
-    std::string ascii;
-    for (const XMLCh* unit = text; *unit; ++unit) {
-        if (*unit >= 0x80) {
+    std::size_t length = 0;
+    for (; text[length]; ++length) {
+        if (text[length] >= 0x80) {
             return hf::i18n::to_string(toWideText(text));
         }
-        ascii += static_cast<char>(*unit);
     }
-    return ascii;
+    return std::string(text, text + length);  // each unit below 0x80 is its own char
 }
 
 Utf16Buffer toUtf16Buffer(const std::string& utf8) {

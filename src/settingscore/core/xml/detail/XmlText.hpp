@@ -5,8 +5,10 @@
 #include <boost/shared_ptr.hpp>
 
 #include <xercesc/sax2/Attributes.hpp>
+#include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XercesDefs.hpp>
 
+#include <array>
 #include <cstddef>
 #include <string>
 
@@ -31,6 +33,28 @@ Utf16Buffer toUtf16Buffer(const std::wstring& text);
 // The value of the attribute with local name `localName` and no namespace, as UTF-8; empty
 // when the element has no such attribute (so an absent and an empty attribute read the same).
 std::string attributeText(const xercesc::Attributes& attributes, const XMLCh* localName);
+
+// attributeText for several names at once, in one pass over the element's attributes: the
+// elements that every key has read three or four attributes each.
+template <std::size_t N>
+std::array<std::string, N> attributeTexts(const xercesc::Attributes& attributes,
+                                          const std::array<const XMLCh*, N>& localNames) {
+    std::array<std::string, N> texts;
+    const XMLSize_t count = attributes.getLength();
+    for (XMLSize_t i = 0; i < count; ++i) {
+        const XMLCh* const name = attributes.getLocalName(i);
+        for (std::size_t n = 0; n < N; ++n) {
+            if (xercesc::XMLString::equals(name, localNames[n])) {
+                const XMLCh* const uri = attributes.getURI(i);
+                if (!uri || !*uri) {
+                    texts[n] = toNarrowText(attributes.getValue(i));
+                }
+                break;
+            }
+        }
+    }
+    return texts;
+}
 
 }  // namespace detail
 }  // namespace core
