@@ -1,6 +1,5 @@
 // Switches the C locale to one whose decimal point is ',' for the life of the guard: an
-// installed one, or one compiled into a temporary folder when the locale sources are there.
-// Shared with the value layer's tests, which must not follow the C locale either.
+// installed one, or one compiled into a temporary folder. Shared with the value layer's tests.
 #pragma once
 
 #include <support/EnvVarGuard.hpp>

@@ -1,6 +1,5 @@
 // Sends standard output (descriptor 1, where the console goes) to a file of its own until
-// text() is asked or the capture ends. Shared with the storage tests, which check console
-// warnings.
+// text() is asked or the capture ends. For the storage tests, which check console warnings.
 #pragma once
 
 #include <support/TempDir.hpp>

@@ -1,5 +1,5 @@
 // Event classes for the event manager tests, shaped like a tree's change events: a node event
-// with a value-change and a removal event below it, addressed by per-node tags.
+// with a value-change event below it, addressed by per-node tags.
 #pragma once
 
 #include <platform/hostsvc/msg_svc/eventmgr/BaseEvent.hpp>
@@ -15,41 +15,29 @@ namespace eventtest {
 
 namespace em = hostsvc::msg_svc::eventmgr;
 
-// An event class Self directly below Base, named `name`, carrying a number.
-template <class Self, class Base, const wchar_t* name>
-class TestEvent : public Base {
+class NodeEvent : public em::BaseEvent {
 public:
-    using base_type = Base;
+    using base_type = em::BaseEvent;
     static const std::wstring& typeName() {
-        static const std::wstring text = name;
-        return text;
+        static const std::wstring name = L"test::NodeEvent";
+        return name;
     }
-    explicit TestEvent(const std::vector<std::wstring>& tags, int payload = 0)
-        : Base(boost::make_shared<em::detail::DerivedTypeInformation<Self>>(tags)),
-          payload_(payload) {}
-    em::BaseEvent* clone() const override { return new Self(static_cast<const Self&>(*this)); }
-    int payload() const { return payload_; }
+    explicit NodeEvent(const std::vector<std::wstring>& tags)
+        : NodeEvent(boost::make_shared<em::detail::DerivedTypeInformation<NodeEvent>>(tags)) {}
 
 protected:
-    // For the class below: its own type information.
-    explicit TestEvent(const boost::shared_ptr<em::TypeInformation>& type) : Base(type) {}
-
-private:
-    int payload_ = 0;
+    explicit NodeEvent(const boost::shared_ptr<em::TypeInformation>& type) : BaseEvent(type) {}
 };
 
-inline constexpr wchar_t nodeEventName[] = L"test::NodeEvent";
-inline constexpr wchar_t valueEventName[] = L"test::ValueEvent";
-inline constexpr wchar_t removeEventName[] = L"test::RemoveEvent";
-
-struct NodeEvent : TestEvent<NodeEvent, em::BaseEvent, nodeEventName> {
-    using TestEvent::TestEvent;
-};
-struct ValueEvent : TestEvent<ValueEvent, NodeEvent, valueEventName> {
-    using TestEvent::TestEvent;
-};
-struct RemoveEvent : TestEvent<RemoveEvent, NodeEvent, removeEventName> {
-    using TestEvent::TestEvent;
+class ValueEvent : public NodeEvent {
+public:
+    using base_type = NodeEvent;
+    static const std::wstring& typeName() {
+        static const std::wstring name = L"test::ValueEvent";
+        return name;
+    }
+    explicit ValueEvent(const std::vector<std::wstring>& tags)
+        : NodeEvent(boost::make_shared<em::detail::DerivedTypeInformation<ValueEvent>>(tags)) {}
 };
 
 // A node of a pretend tree. The tag of an event kind for a node is the kind's type name followed
@@ -59,8 +47,9 @@ struct Node {
 
     template <class E>
     std::wstring tag() const {
-        const std::string text = id.toString();
-        return E::typeName() + std::wstring(text.begin(), text.end());
+        std::wstring text = E::typeName();
+        id.appendTo(text);
+        return text;
     }
     template <class E>
     std::vector<std::wstring> ancestryTags() const {

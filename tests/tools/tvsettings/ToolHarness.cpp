@@ -1,13 +1,10 @@
 #include "ToolHarness.hpp"
 
-#include <fcntl.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstring>
-#include <stdexcept>
-
-extern char** environ;
+#include <cstdlib>
+#include <regex>
+#include <sstream>
 
 namespace tvsettingstest {
 
@@ -15,32 +12,27 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const char* const toolPath = SETTINGSCORE_BUILD_ROOT "/bin/tvsettings";
+const std::string toolPath = SETTINGSCORE_BUILD_ROOT "/bin/tvsettings";
 
-// Variables the tool reads that must come from the test only, never from the machine.
-const char* const controlledVariables[] = {
+// Variables the tool reads: they must come from the test only, never from the machine.
+const char* const toolVariables[] = {
     "SETTINGS_FACTORYDIR", "SETTINGS_USERDIR", "SETTINGS_WORKGROUPDIR", "TOLVAN_PREFDIR", "HOME",
     "XDG_CONFIG_HOME",     "XDG_DATA_HOME"};
 
-bool isControlled(const std::string& name) {
-    for (const char* controlled : controlledVariables) {
-        if (name == controlled) {
-            return true;
-        }
+// `text` as one word for the shell.
+std::string quoted(const std::string& text) {
+    std::string word = "'";
+    for (const char c : text) {
+        word += c == '\'' ? std::string("'\\''") : std::string(1, c);
     }
-    return false;
+    return word + "'";
 }
 
 }  // namespace
 
 std::string ToolResult::errorClass() const {
-    const std::string prefix = "tvsettings: ";
-    const std::string::size_type start = err.find(prefix);
-    if (start == std::string::npos) {
-        return std::string();
-    }
-    const std::string::size_type end = err.find(':', start + prefix.size());
-    return err.substr(start + prefix.size(), end - start - prefix.size());
+    std::smatch match;
+    return std::regex_search(err, match, std::regex("tvsettings: (\\w+):")) ? match.str(1) : "";
 }
 
 ToolTest::ToolTest() {
@@ -50,72 +42,46 @@ ToolTest::ToolTest() {
     fs::create_directories(homeDir());
 }
 
-ToolResult ToolTest::run(const std::vector<std::string>& args,
-                         const std::map<std::string, std::optional<std::string>>& env) const {
-    std::map<std::string, std::optional<std::string>> variables;
-    for (char** entry = environ; *entry != nullptr; ++entry) {
-        const std::string text = *entry;
-        const std::string::size_type equals = text.find('=');
-        if (equals != std::string::npos && !isControlled(text.substr(0, equals))) {
-            variables[text.substr(0, equals)] = text.substr(equals + 1);
-        }
+ToolResult ToolTest::runArgs(const std::vector<std::string>& args, const Env& env) const {
+    Env variables = {{"HOME", homeDir().string()},
+                     {"XDG_CONFIG_HOME", (homeDir() / ".config").string()},
+                     {"XDG_DATA_HOME", (homeDir() / ".local" / "share").string()},
+                     {"SETTINGS_FACTORYDIR", factoryDir().string()},
+                     {"SETTINGS_USERDIR", userDir().string()}};
+    for (const auto& [name, value] : env) {
+        variables[name] = value;
     }
-    variables["HOME"] = homeDir().string();
-    variables["XDG_CONFIG_HOME"] = (homeDir() / ".config").string();
-    variables["XDG_DATA_HOME"] = (homeDir() / ".local" / "share").string();
-    variables["SETTINGS_FACTORYDIR"] = factoryDir().string();
-    variables["SETTINGS_USERDIR"] = userDir().string();
-    for (const auto& entry : env) {
-        variables[entry.first] = entry.second;
+    // env(1) first drops the machine's values (and those the test removes), then sets the test's.
+    std::string command = "cd " + quoted(dir_.path().string()) + " && exec env";
+    std::string assignments;
+    for (const char* name : toolVariables) {
+        command += std::string(" -u ") + name;
     }
-    std::vector<std::string> envText;
-    for (const auto& entry : variables) {
-        if (entry.second) {
-            envText.push_back(entry.first + "=" + *entry.second);
-        }
+    for (const auto& [name, value] : variables) {
+        (value ? assignments : command) +=
+            value ? " " + name + "=" + quoted(*value) : " -u " + name;
     }
-    std::vector<char*> envp;
-    for (std::string& text : envText) {
-        envp.push_back(text.data());
+    command += assignments;
+    command += " " + quoted(toolPath);
+    for (const std::string& arg : args) {
+        command += " " + quoted(arg);
     }
-    envp.push_back(nullptr);
-    std::vector<std::string> argText{toolPath};
-    argText.insert(argText.end(), args.begin(), args.end());
-    std::vector<char*> argv;
-    for (std::string& text : argText) {
-        argv.push_back(text.data());
-    }
-    argv.push_back(nullptr);
-
-    const fs::path outFile = dir_.path() / ".stdout";
-    const fs::path errFile = dir_.path() / ".stderr";
-    const int out = ::open(outFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    const int err = ::open(errFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    if (out < 0 || err < 0) {
-        throw std::runtime_error("cannot create the output files");
-    }
-    const std::string workDir = dir_.path().string();
-    const pid_t child = ::fork();
-    if (child == 0) {
-        // Only async-signal-safe calls between fork and exec.
-        if (::dup2(out, 1) < 0 || ::dup2(err, 2) < 0 || ::chdir(workDir.c_str()) != 0) {
-            ::_exit(126);
-        }
-        ::execve(toolPath, argv.data(), envp.data());
-        ::_exit(127);
-    }
-    ::close(out);
-    ::close(err);
+    const int status = std::system((command + " >.stdout 2>.stderr").c_str());
     ToolResult result;
-    int status = 0;
-    if (child < 0 || ::waitpid(child, &status, 0) != child) {
-        throw std::runtime_error("cannot run " + std::string(toolPath));
-    }
     // A crash shows as a signal number above 128, which no outcome of the tool uses.
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    result.out = testsupport::readFile(outFile);
-    result.err = testsupport::readFile(errFile);
+    result.out = testsupport::readFile(dir_.path() / ".stdout");
+    result.err = testsupport::readFile(dir_.path() / ".stderr");
     return result;
+}
+
+ToolResult ToolTest::run(const std::string& commandLine, const Env& env) const {
+    std::vector<std::string> args;
+    std::istringstream words(commandLine);
+    for (std::string word; words >> word;) {
+        args.push_back(word[0] == '@' ? dir_.path().string() + word.substr(1) : word);
+    }
+    return runArgs(args, env);
 }
 
 }  // namespace tvsettingstest

@@ -1,10 +1,10 @@
-// Runs the real tvsettings binary in a child process against copies of the sample products in
-// a temporary folder, with HOME and the XDG folders pointing into that folder as well, and
-// hands back its exit code, stdout and stderr.
+// Runs the real tvsettings binary against copies of the sample products in a temporary folder,
+// with HOME and the XDG folders below that folder too, and hands back its exit code and output.
 #pragma once
 
 #include "support/TempDir.hpp"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -16,14 +16,19 @@
 
 namespace tvsettingstest {
 
+using ::testing::HasSubstr;
+using Json = nlohmann::json;
+// Variables for one run of the tool; an empty optional removes the variable.
+using Env = std::map<std::string, std::optional<std::string>>;
+
 struct ToolResult {
     int exitCode = -1;
     std::string out;
     std::string err;
 
-    nlohmann::json outJson() const { return nlohmann::json::parse(out); }
-    nlohmann::json errJson() const { return nlohmann::json::parse(err); }
-    // The "tvsettings: <Class>: ..." line's class, empty when stderr has none.
+    Json outJson() const { return Json::parse(out); }
+    Json errJson() const { return Json::parse(err); }
+    // The class of the "tvsettings: <Class>: ..." line on stderr; empty when there is none.
     std::string errorClass() const;
 };
 
@@ -31,17 +36,20 @@ class ToolTest : public ::testing::Test {
 protected:
     ToolTest();
 
-    // Runs tvsettings with `args`. The environment is the test's own without the settings
-    // variables, plus HOME, XDG_CONFIG_HOME and XDG_DATA_HOME below the temporary folder,
-    // SETTINGS_FACTORYDIR and SETTINGS_USERDIR naming the copies, and then `env` (an empty
-    // optional removes a variable).
-    ToolResult run(const std::vector<std::string>& args,
-                   const std::map<std::string, std::optional<std::string>>& env = {}) const;
+    // Runs tvsettings with `args` in the temporary folder, in the test's environment without the
+    // variables the tool reads, with HOME and the XDG folders below the temporary folder,
+    // SETTINGS_FACTORYDIR and SETTINGS_USERDIR naming the copies, and `env`.
+    ToolResult runArgs(const std::vector<std::string>& args, const Env& env = {}) const;
+    // The same with the arguments as one line split at blanks, where "@" at the start of an
+    // argument stands for the temporary folder.
+    ToolResult run(const std::string& commandLine, const Env& env = {}) const;
 
     std::filesystem::path factoryDir() const { return dir_.path() / "factory"; }
     std::filesystem::path userDir() const { return dir_.path() / "user"; }
     std::filesystem::path homeDir() const { return dir_.path() / "home"; }
-    std::filesystem::path path(const std::string& relative) const { return dir_.path() / relative; }
+    std::string path(const std::string& relative) const {
+        return (dir_.path() / relative).string();
+    }
 
     testsupport::TempDir dir_;
 };

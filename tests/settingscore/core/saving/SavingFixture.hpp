@@ -2,7 +2,6 @@
 // test (through the friend the operations grant) and restored afterwards.
 #pragma once
 
-#include <settingscore/core/SettingsImplRoot.hpp>
 #include <settingscore/core/TSettings.hpp>
 #include <settingscore/core/storage/SettingsSaving.hpp>
 #include <settingscore/core/storage/detail/SaveFileOperations.hpp>
@@ -13,29 +12,19 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <iterator>
 #include <string>
-#include <vector>
 
-namespace settings {
-namespace core {
-namespace detail {
+namespace settings::core::detail {
 
-// The test's way to the private setters.
+// The test's way to the private setters; each returns the operation it replaced.
 struct SaveFileOperationsAccess {
-    static WriteSettingsToFile setWrite(WriteSettingsToFile op) {
-        return SaveFileOperations::setWriteSettingsToFile(op);
-    }
-    static RenameFile setTempToTarget(RenameFile op) {
-        return SaveFileOperations::setRenameTempToTarget(op);
-    }
-    static RenameFile setTargetToPrevious(RenameFile op) {
-        return SaveFileOperations::setRenameTargetToPrevious(op);
-    }
+    static constexpr auto setWrite = &SaveFileOperations::setWriteSettingsToFile;
+    static constexpr auto setTempToTarget = &SaveFileOperations::setRenameTempToTarget;
+    static constexpr auto setTargetToPrevious = &SaveFileOperations::setRenameTargetToPrevious;
 };
 
-}  // namespace detail
-}  // namespace core
-}  // namespace settings
+}  // namespace settings::core::detail
 
 namespace savingtest {
 
@@ -56,7 +45,7 @@ protected:
         std::filesystem::create_directories(dir_.path() / "user");
         sc::TSettings::reset(AnyInstanceID);
         sc::turnOnSettingsSaving();
-        sc::turnOffDurableSaving();  // speed; one test turns it on
+        sc::turnOffDurableSaving();  // for speed; one test turns it back on
     }
     ~SavingTest() override {
         Access::setWrite(write_);
@@ -67,36 +56,39 @@ protected:
         sc::TSettings::reset(AnyInstanceID);
     }
 
-    boost::shared_ptr<sc::Settings> root() {
-        return sc::Settings::getSettingsRoot(BlessedInstanceID);
+    boost::shared_ptr<sc::TSettings> root() {
+        return boost::dynamic_pointer_cast<sc::TSettings>(
+            sc::Settings::getSettingsRoot(BlessedInstanceID));
     }
 
-    static boost::shared_ptr<sc::TSettings> node(const std::string& name, bool isKey) {
-        return sc::TSettings::createSettingsNode(name, isKey, true, sc::ValidatorVariant(), false);
+    // A visible writable node, attached below `parent` when one is given.
+    static boost::shared_ptr<sc::TSettings> node(
+        const std::string& name, bool isKey, const boost::shared_ptr<sc::Settings>& parent = {}) {
+        auto made =
+            sc::TSettings::createSettingsNode(name, isKey, true, sc::ValidatorVariant(), false);
+        if (parent) {
+            made->setParent(parent);
+        }
+        return made;
     }
 
     // Product "p" with keys "a" and "b" under group "g", attached (and so saved) under the root.
-    boost::shared_ptr<sc::Settings> mountProduct() {
+    boost::shared_ptr<sc::TSettings> mountProduct() {
         auto product = node("p", false);
-        auto group = node("g", false);
-        node("a", true)->setParent(group);
-        node("b", true)->setParent(group);
-        group->setParent(product);
+        auto group = node("g", false, product);
+        node("a", true, group);
+        node("b", true, group);
         product->setParent(root());
-        return root()->getNodeByPath("p.g");
+        return group;
     }
 
     std::filesystem::path userFile() const { return dir_.path() / "user" / "p.settings"; }
 
-    // Names in the user folder other than the product files: leftovers of a save.
-    std::vector<std::string> leftovers() const {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(dir_.path() / "user")) {
-            if (entry.path().extension() != ".settings") {
-                names.push_back(entry.path().filename().string());
-            }
-        }
-        return names;
+    // How many entries of the user folder are not the product's file: leftovers of a save.
+    long leftovers() const {
+        const auto entries =
+            std::distance(std::filesystem::directory_iterator(dir_.path() / "user"), {});
+        return entries - (std::filesystem::exists(userFile()) ? 1 : 0);
     }
 
     testsupport::TempDir dir_;

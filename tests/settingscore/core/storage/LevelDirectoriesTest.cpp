@@ -1,3 +1,5 @@
+// The table of levels, their root paths from the environment, and what each level's folder
+// lists as products and product files.
 #include <settingscore/core/storage/LevelDirectories.hpp>
 
 #include <settingscore/core/SettingsImplRoot.hpp>
@@ -25,16 +27,19 @@ using Paths = std::vector<std::wstring>;
 
 namespace {
 
+const SettingsLevel& session = SettingsLevelManager::getSettingsLevelObjs()[0];
+const SettingsLevel& user = SettingsLevelManager::getSettingsLevelObjs()[1];
+const SettingsLevel& factory = SettingsLevelManager::getSettingsLevelObjs()[2];
+
 template <class T>
 std::vector<T> sorted(std::vector<T> items) {
     std::sort(items.begin(), items.end());
     return items;
 }
 
-// Every case starts and ends without a root or directory overrides of any instance.
+// Every case ends without a root or directory overrides of any instance.
 class LevelDirectoriesTest : public StorageTest {
 protected:
-    LevelDirectoriesTest() { TSettings::reset(AnyInstanceID); }
     ~LevelDirectoriesTest() override { TSettings::reset(AnyInstanceID); }
 
     // A fresh root of the blessed instance with these factory and user directories.
@@ -45,13 +50,48 @@ protected:
         return boost::dynamic_pointer_cast<SettingsImplRoot>(
             Settings::getSettingsRoot(BlessedInstanceID));
     }
-
-    const SettingsLevel& session = SettingsLevelManager::getSettingsLevelObjs()[0];
-    const SettingsLevel& user = SettingsLevelManager::getSettingsLevelObjs()[1];
-    const SettingsLevel& factory = SettingsLevelManager::getSettingsLevelObjs()[2];
 };
 
 }  // namespace
+
+TEST(SettingsLevelTable, OrderAndLookUpRules) {
+    const auto manager = SettingsLevelManager::getSettingsLevelManagerInstance();
+    EXPECT_EQ((Names{"session", "user", "factory"}), manager->getAllLevelNames());
+    EXPECT_EQ("factory", SettingsLevelManager::getLastLevelName());
+    EXPECT_EQ(&user, manager->getSettingsLevelByName("user"));
+    EXPECT_TRUE(!session.canHaveFile() && session.levelRootPath().empty());
+    // "factory" answers writable although nothing can be changed there.
+    EXPECT_FALSE(manager->isWritableLevel("session") || factory.canBeModified());
+    EXPECT_TRUE(manager->isWritableLevel("user") && manager->isWritableLevel("factory"));
+    for (const char* unknown : {"workgroup", "User", "user "}) {
+        EXPECT_FALSE(manager->isValidLevel(unknown) || manager->isWritableLevel(unknown) ||
+                     manager->getSettingsLevelByName(unknown))
+            << unknown;
+    }
+}
+
+TEST_F(StorageTest, LevelRootPathsFollowTheEnvironment) {
+    // While SETTINGS_USERDIR is set the preference directory is left alone (not even made).
+    setPreferencesDirectoryUStr(wat("prefs"));
+    {
+        EnvVarGuard userDir("SETTINGS_USERDIR", at("one").string());
+        EXPECT_EQ(wat("one"), user.levelRootPath());
+    }
+    EXPECT_FALSE(std::filesystem::exists(at("prefs")));
+    EXPECT_EQ(wat("prefs"), user.levelRootPath());  // unset: made on the way
+    EXPECT_TRUE(std::filesystem::is_directory(at("prefs")));
+
+    // SETTINGS_FACTORYDIR as it stands, else "toolbox" below the root; empty counts as unset.
+    detail::setTolvanRootOverride(wat("root/"));
+    EXPECT_EQ(wat("root/toolbox"), factory.levelRootPath());
+    {
+        EnvVarGuard empty("SETTINGS_FACTORYDIR", std::string());
+        EXPECT_EQ(wat("root/toolbox"), factoryLevelRootPath());
+        EnvVarGuard set("SETTINGS_FACTORYDIR", "relative/as/it/stands/");
+        EXPECT_EQ(L"relative/as/it/stands/", factory.levelRootPath());
+    }
+    EXPECT_EQ(L"", workgroupLevelRootPath());  // no fallback
+}
 
 TEST_F(LevelDirectoriesTest, ProductsAndTheirFilesAtEachLevel) {
     for (const char* file :
@@ -68,9 +108,6 @@ TEST_F(LevelDirectoriesTest, ProductsAndTheirFilesAtEachLevel) {
     }
     const boost::shared_ptr<SettingsImplRoot> root = rootWith("f", "u");
     ASSERT_TRUE(root);
-    EXPECT_EQ(wat("f"), resolveLevelDirectory(factory, root));
-    EXPECT_EQ(wat("u"), resolveLevelDirectory(user, root));
-    EXPECT_EQ(L"", resolveLevelDirectory(session, root));
 
     EXPECT_EQ((Names{"Beta", "Mixed_Case9", "alpha", "swarmtools"}),
               sorted(productNamesAtLevel(factory, root)));
@@ -87,32 +124,11 @@ TEST_F(LevelDirectoriesTest, ProductsAndTheirFilesAtEachLevel) {
               productSettingsFilesAtLevel("swarmtools", factory, root));
     EXPECT_EQ(Paths{wat("u/swarmtools.settings")},  // no mapping on the way in
               productSettingsFilesAtLevel("swarmtools", user, root));
-    EXPECT_EQ(Paths{wat("u/two.dots.settings")},
-              productSettingsFilesAtLevel("two.dots", user, root));
-    for (const auto& [product, level] : {std::make_pair("empty_product", &factory),
-                                         {"missing", &factory},
-                                         {"alpha", &user},
-                                         {"alpha", &session}}) {
-        EXPECT_TRUE(productSettingsFilesAtLevel(product, *level, root).empty()) << product;
-    }
+    EXPECT_TRUE(productSettingsFilesAtLevel("empty_product", factory, root).empty() &&
+                productSettingsFilesAtLevel("alpha", user, root).empty() &&
+                productSettingsFilesAtLevel("alpha", session, root).empty());
 
-    // Missing directories list nothing; a root without state (null) knows no directory.
-    EXPECT_TRUE(collectProductNames(rootWith("none-f", "none-u")).empty());
-    const boost::shared_ptr<SettingsImplRoot> none;
-    EXPECT_EQ(L"", resolveLevelDirectory(factory, none));
-    EXPECT_TRUE(collectProductNames(none).empty());
-    EXPECT_TRUE(productSettingsFilesAtLevel("alpha", factory, none).empty());
-}
-
-TEST_F(LevelDirectoriesTest, DirectoryOfALevelByItsFlagsInOrder) {
-    EnvVarGuard workgroup("SETTINGS_WORKGROUPDIR", at("wg").string());
-    const auto root = rootWith("f", "u");
-    ASSERT_TRUE(root);
-    const auto directoryOf = [&](bool isFactory, bool isWorkgroup) {
-        return resolveLevelDirectory(SettingsLevel("x", {}, true, 1, isFactory, isWorkgroup, true),
-                                     root);
-    };
-    EXPECT_EQ(wat("f"), directoryOf(true, true));
-    EXPECT_EQ(wat("wg"), directoryOf(false, true));
-    EXPECT_EQ(wat("u"), directoryOf(false, false));
+    // Missing directories list nothing; so does a root without state (null).
+    EXPECT_TRUE(collectProductNames(rootWith("none-f", "none-u")).empty() &&
+                collectProductNames(nullptr).empty());
 }

@@ -1,6 +1,5 @@
 // Helpers of the storage tests: a fixture that keeps every folder the code may compute in a
-// fresh temporary folder and resets the process-wide directory overrides, and checks in a
-// forked child for what needs fresh process state.
+// temporary folder and resets the directory overrides, and checks in a forked child.
 #pragma once
 
 #include <settingscore/core/storage/PreferencesDirectory.hpp>
@@ -14,15 +13,14 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <exception>
 #include <filesystem>
 #include <functional>
 #include <string>
 
 namespace storagetest {
 
-// Roaming, local and home folders inside the test's temporary folder (the real home is never
-// touched), no directory variables; the overrides, which outlive a test, reset at the end.
+// Roaming, local and home folders inside the temporary folder (the real home is never touched),
+// no directory variables; the overrides, which outlive a test, reset at the end.
 class StorageTest : public ::testing::Test {
 protected:
     ~StorageTest() override {
@@ -51,21 +49,15 @@ private:
                  : (void)(++(failures), std::fprintf(stderr, "%s:%d: failed: %s\n", __FILE__, \
                                                      __LINE__, #condition)))
 
-// Runs `body` in a forked child: it starts from this process's state and changes nothing
-// here (the one-time default of the preference directory above all). Failed checks, an
-// escaped exception or an abnormal end of the child fail the calling test.
+// Runs `body` in a forked child, which changes nothing here (the one-time default of the
+// preference directory above all); failed checks, an exception or a crash fail the test.
 inline void expectInChild(const std::function<void(int& failures)>& body) {
-    const int status = hftest::runInChild([&] {
-        int failures = 0;
-        try {
-            body(failures);
-        } catch (const std::exception& e) {
-            std::fprintf(stderr, "exception in a child: %s\n", e.what());
-            ++failures;
-        }
-        return failures == 0 ? 0 : 1;
-    });
-    EXPECT_EQ(0, status) << "failed checks in a child, told above";
+    EXPECT_EQ(0, hftest::runInChild([&] {
+                  int failures = 0;
+                  body(failures);
+                  return failures;
+              }))
+        << "failed checks in a child, told above (126: an exception)";
 }
 
 }  // namespace storagetest

@@ -1,11 +1,8 @@
-// A test fixture for the tree: fresh factory and user folders named by the environment, the
-// process's settings states reset before and after, and the file hooks replaced by recorders
-// (restored afterwards).
+// The tree fixture: fresh factory and user folders named by the environment, the settings
+// states reset around each test, and the file hooks replaced by recorders (restored after).
 #pragma once
 
-#include <settingscore/core/SettingsImpl.hpp>
 #include <settingscore/core/SettingsImplRoot.hpp>
-#include <settingscore/core/TSettings.hpp>
 #include <settingscore/core/detail/FileLayerHooks.hpp>
 #include <settingscore/core/storage/SettingsLevel.hpp>
 
@@ -24,13 +21,14 @@
 
 namespace treetest {
 
+using settings::core::Settings;
 using settings::core::SettingsImpl;
 using settings::core::SettingsImplRoot;
 using settings::core::TSettings;
 using tvutil::contextmgr::AnyInstanceID;
 using tvutil::contextmgr::BlessedInstanceID;
 
-// A node whose values a test can set directly, before the value operations exist on the tree.
+// A node whose values a test sets directly, without the value layer's checks.
 class TestNode : public SettingsImpl {
 public:
     using SettingsImpl::SettingsImpl;
@@ -44,6 +42,15 @@ inline boost::shared_ptr<TestNode> makeNode(const std::string& name, bool isKey,
                                         boost::shared_ptr<SettingsImpl>());
 }
 
+// The same, attached below `parent`.
+inline boost::shared_ptr<TestNode> makeNode(const std::string& name, bool isKey,
+                                            const boost::shared_ptr<Settings>& parent,
+                                            int readOnlyState = SettingsImpl::Writable) {
+    auto node = makeNode(name, isKey, readOnlyState);
+    node->setParent(parent);
+    return node;
+}
+
 class TreeTest : public ::testing::Test {
 protected:
     TreeTest()
@@ -54,23 +61,16 @@ protected:
         std::filesystem::create_directories(dir_.path() / "factory");
         std::filesystem::create_directories(dir_.path() / "user");
         TSettings::reset(AnyInstanceID);
-        settings::core::productLoader = [this](SettingsImpl& node, std::wstring& errors) {
-            if (!node.isProductNode()) {
-                return;  // the real loader reads files for product nodes only
-            }
-            ++loads_;
-            if (failLoadOf_ == node.getName()) {
-                errors = L"cannot read " + std::wstring(failLoadOf_.begin(), failLoadOf_.end());
-            }
+        settings::core::productLoader = [this](SettingsImpl& node, std::wstring&) {
+            loads_ += node.isProductNode();  // as the real loader: files for product nodes only
         };
         settings::core::levelSaver = [this](const settings::core::SettingsLevel* level,
                                             settings::core::SettingsPtr node,
                                             const settings::core::detail::ReadAccess&) {
-            if (!level->canHaveFile()) {
-                return;  // as the real save does: a level without files writes nothing
+            if (level->canHaveFile()) {  // as the real save: a level without files writes nothing
+                std::lock_guard<std::mutex> guard(savesMutex_);
+                saves_.emplace_back(level->levelName(), node->getFullName());
             }
-            std::lock_guard<std::mutex> guard(savesMutex_);
-            saves_.emplace_back(level->levelName(), node->getFullName());
         };
     }
 
@@ -82,7 +82,7 @@ protected:
 
     boost::shared_ptr<SettingsImplRoot> root() {
         return boost::dynamic_pointer_cast<SettingsImplRoot>(
-            settings::core::Settings::getSettingsRoot(BlessedInstanceID));
+            Settings::getSettingsRoot(BlessedInstanceID));
     }
 
     // A product with one settings file at the factory level.
@@ -96,7 +96,6 @@ protected:
     settings::core::detail::ProductLoader oldLoader_;
     settings::core::detail::LevelSaver oldSaver_;
     std::atomic<int> loads_{0};
-    std::string failLoadOf_;
     std::mutex savesMutex_;
     std::vector<std::pair<std::string, std::string>> saves_;  // (level, node full name)
 };

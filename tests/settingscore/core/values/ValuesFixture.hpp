@@ -1,5 +1,5 @@
-// Keys with limits, validators and run-time defaults set directly, for the value tests, on top
-// of the tree fixture; Java-kind proxies installed by the test and cleared afterwards.
+// Keys with limits, validators and run-time defaults set directly, on top of the tree fixture;
+// the Java-kind proxies are installed by the test and cleared afterwards.
 #pragma once
 
 #include "settingscore/core/tree/TreeFixture.hpp"
@@ -14,16 +14,16 @@
 namespace valuestest {
 
 using namespace treetest;
+using namespace settings::core::exception;
 using settings::core::JRunTimeDefault;
 using settings::core::JValidator;
-using settings::core::SettingsKeyMetaData;
 
 class ValueKey : public TestNode {
 public:
     using TestNode::TestNode;
     void limit(const boost::any& min, const boost::any& max,
-               const boost::optional<std::vector<boost::any>>& choices) {
-        metaData_ = SettingsKeyMetaData<boost::any>(min, max, choices);
+               const boost::optional<std::vector<boost::any>>& choices = boost::none) {
+        metaData_ = settings::core::SettingsKeyMetaData<boost::any>(min, max, choices);
     }
     void setArrayBounds(unsigned min, unsigned max) {
         arraySizeBounds_ = settings::core::ArraySizeBounds(shared_from_this(), min, max);
@@ -33,47 +33,49 @@ public:
         runTimeDefault.setBelongingLevel(belongingLevel);
         runTimeDefault_ = runTimeDefault;
     }
-    boost::any stored(const std::string& level) const {
-        const auto found = values_.find(level);
-        return found == values_.end() ? boost::any() : found->second;
-    }
 };
 
-inline boost::shared_ptr<ValueKey> makeKey(const std::string& name) {
-    return boost::make_shared<ValueKey>(name, true, boost::optional<bool>(true),
-                                        settings::core::ValidatorVariant(), SettingsImpl::Writable,
-                                        boost::shared_ptr<SettingsImpl>());
+// A writable key, attached below `parent` when one is given.
+inline boost::shared_ptr<ValueKey> makeKey(const std::string& name,
+                                           const boost::shared_ptr<Settings>& parent = {}) {
+    auto key = boost::make_shared<ValueKey>(
+        name, true, boost::optional<bool>(true), settings::core::ValidatorVariant(),
+        SettingsImpl::Writable, boost::shared_ptr<SettingsImpl>());
+    if (parent) {
+        key->setParent(parent);
+    }
+    return key;
 }
 
 class ValuesTest : public TreeTest {
 protected:
     ValuesTest() {
-        // Run-time defaults answer "<function>" as text, or count their calls.
-        JRunTimeDefault::setJRuntimeDefaultProxy(
-            [this](const std::string&, const std::string& function) -> boost::any {
-                ++defaultCalls_;
-                return boost::any(std::wstring(function.begin(), function.end()));
-            });
+        // Run-time defaults answer their function's name as text.
+        JRunTimeDefault::setJRuntimeDefaultProxy([](const std::string&, const std::string& f) {
+            return boost::any(std::wstring(f.begin(), f.end()));
+        });
     }
     ~ValuesTest() override {
         JRunTimeDefault::setJRuntimeDefaultProxy({});
         JValidator::clearFunctions();
     }
 
-    // A product "p" on the tree with group "g" and the given key in it; events recorded.
-    boost::shared_ptr<TestNode> mountUnderProduct(const boost::shared_ptr<SettingsImpl>& key) {
-        auto r = root();
+    // Product "p" on the tree with group "g" holding `keys`; events recorded, records cleared.
+    boost::shared_ptr<TestNode> mountUnderProduct(
+        std::initializer_list<boost::shared_ptr<ValueKey>> keys) {
         auto product = makeNode("p", false);
-        auto group = makeNode("g", false);
-        key->setParent(group);
-        group->setParent(product);
-        product->setParent(r);
-        r->setRecordEvents(true);
+        auto group = makeNode("g", false, product);
+        for (const auto& key : keys) {
+            key->setParent(group);
+        }
+        product->setParent(root());
+        root()->setRecordEvents(true);
         drainEvents();
         saves_.clear();
         return group;
     }
 
+    // The full names of the nodes of the events recorded since the last call.
     std::vector<std::string> drainEvents() {
         std::queue<boost::shared_ptr<const settings::core::SettingsEvent>> queue;
         TSettings::eventQueue(queue, BlessedInstanceID);
@@ -83,8 +85,6 @@ protected:
         }
         return names;
     }
-
-    std::atomic<int> defaultCalls_{0};
 };
 
 inline std::wstring text(const boost::any& value) {

@@ -1,6 +1,5 @@
-// Settings files written to a temporary folder and read with SettingsFileParser: documents
-// built from a body, the values and declarations of the trees they give, the failures they
-// raise, and an installation root with a schema of the test's choosing.
+// Settings files written to a temporary folder and read with SettingsFileParser: documents,
+// what their trees store and declare, their failures, and an installation root with a schema.
 #pragma once
 
 #include <settingscore/core/SettingsImpl.hpp>
@@ -10,6 +9,7 @@
 #include <settingscore/core/xml/SettingsFileParser.hpp>
 #include <settingscore/core/xml/detail/NodeBuilder.hpp>
 #include <settingscore/treestore/boostany/BoostAny.hpp>
+#include <settingscore/treestore/boostany/TypeNames.hpp>
 
 #include <platform/hf/i18n/Conversion.hpp>
 #include <platform/hf/i18n/MessageCatalog.hpp>
@@ -22,6 +22,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <type_traits>
 
 namespace readingtest {
 
@@ -30,16 +31,15 @@ namespace ba = treestore::boostany;
 using sc::detail::NodeBuilder;
 using sc::exception::ErrorReadingSettingsData;
 using SettingsPtr = boost::shared_ptr<sc::Settings>;
+using NodePtr = boost::shared_ptr<sc::SettingsImpl>;
 
-// A settings document: the declaration, then the document element "settings" named "p" in the
-// settings namespace with `attributes`, holding `body`.
+// The document element "settings" named "p" in the settings namespace, holding `body`.
 inline std::string document(const std::string& body, const std::string& attributes = "") {
     return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
            "<settings name=\"p\" xmlns=\"urn:lindqvare.tolvan.settings\"" +
            attributes + ">\n" + body + "\n</settings>\n";
 }
 
-// <key name="name" attributes>content</key>
 inline std::string key(const std::string& name, const std::string& content,
                        const std::string& attributes = "") {
     return "<key name=\"" + name + "\"" + attributes + ">" + content + "</key>\n";
@@ -56,7 +56,7 @@ inline std::string detailText(const ErrorReadingSettingsData& failure) {
     return hf::i18n::to_string(failure.getDetailErrorMsg());
 }
 
-inline boost::shared_ptr<sc::SettingsImpl> nodeAt(const SettingsPtr& top, const std::string& path) {
+inline NodePtr nodeAt(const SettingsPtr& top, const std::string& path) {
     const auto node = sc::SettingsImpl::implOf(path.empty() ? top : top->getNodeByPath(path));
     if (!node) {
         throw std::runtime_error("no node " + path);
@@ -64,31 +64,106 @@ inline boost::shared_ptr<sc::SettingsImpl> nodeAt(const SettingsPtr& top, const 
     return node;
 }
 
-// What the key at `path` stores at level "user" (where every file is read): none when the key
-// stores nothing at all.
+// What the key at `path` stores at level "user", where every file is read.
 inline boost::optional<boost::any> stored(const SettingsPtr& top, const std::string& path) {
     return NodeBuilder::getStoredValue(*nodeAt(top, path), "user");
 }
 
-// True when the key at `path` stores a value equal to `expected`.
 inline bool storesValue(const SettingsPtr& top, const std::string& path,
                         const boost::any& expected) {
     const auto value = stored(top, path);
     return value && ba::isEqual(*value, expected);
 }
 
-// True when the key at `path` holds no value: no entry, or an empty one.
-inline bool storesNothing(const SettingsPtr& top, const std::string& path) {
-    const auto value = stored(top, path);
-    return !value || value->empty();
+// "<which>:<package>/<function>" of a callout, and "@<level>" for a run-time default.
+template <class Variant>
+std::string describe(const Variant& callout) {
+    return std::to_string(callout.which()) +
+           boost::apply_visitor(
+               [](const auto& c) {
+                   using C = std::decay_t<decltype(c)>;
+                   if constexpr (std::is_same_v<C, boost::mpl::void_>) {
+                       return std::string();
+                   } else if constexpr (std::is_same_v<Variant, sc::RunTimeDefaultVariant>) {
+                       return ":" + c.getPackageName() + "/" + c.getFunctionName() + "@" +
+                              c.getBelongingLevel();
+                   } else {
+                       return ":" + c.getPackageName() + "/" + c.getFunctionName();
+                   }
+               },
+               callout);
+}
+
+// The kind of a stored value; sameValues compares the values themselves.
+inline std::string describe(const boost::optional<boost::any>& value) {
+    return !value ? "no entry" : value->empty() ? "empty" : ba::typeNameOf(*value);
+}
+
+// Every field a file can set, of `node` and all below it; children must name `node` as parent.
+inline std::string describeTree(const NodePtr& node) {
+    std::string text = node->getFullName() + (node->isKey() ? " key" : " group") +
+                       " visible=" + std::to_string(node->isVisible()) +
+                       " readonly=" + std::to_string(node->isReadOnly()) +
+                       " version=" + std::to_string(node->getProductVersion().value_or(0)) +
+                       " validator=" + describe(node->getValidator());
+    if (node->isKey()) {
+        const auto bounds = NodeBuilder::getArraySizeBounds(*node);
+        const auto metaData = NodeBuilder::getMetaData(*node);
+        text += " type=" + std::to_string(NodeBuilder::getTypeCode(*node).value_or(-1)) +
+                " bounds=" +
+                (bounds ? std::to_string(bounds->getMinArraySize()) + ".." +
+                              std::to_string(bounds->getMaxArraySize())
+                        : "none") +
+                " min=" + describe(boost::make_optional(metaData.getMin())) +
+                " max=" + describe(boost::make_optional(metaData.getMax())) +
+                " default=" + describe(NodeBuilder::getRunTimeDefault(*node)) +
+                " writer=" + std::to_string(NodeBuilder::getValueWriter(*node) != nullptr) +
+                " conformer=" + std::to_string(NodeBuilder::getTypeConformer(*node) != nullptr);
+        for (const char* level : {"session", "user", "factory"}) {
+            text += std::string(" ") + level + "=" +
+                    describe(NodeBuilder::getStoredValue(*node, level));
+        }
+    }
+    text += "\n";
+    for (const auto& child : node->getChildren()) {
+        text +=
+            child->getParent() != node ? "(" + child->getName() + " names another parent)\n" : "";
+        text += describeTree(sc::SettingsImpl::implOf(child));
+    }
+    return text;
+}
+
+// The stored values and the metadata bounds of both trees, key by key, level by level.
+inline bool sameValues(const NodePtr& a, const NodePtr& b) {
+    bool same = true;
+    for (const char* level : {"session", "user", "factory"}) {
+        const auto x = NodeBuilder::getStoredValue(*a, level);
+        const auto y = NodeBuilder::getStoredValue(*b, level);
+        same = same && bool(x) == bool(y) && (!x || ba::isEqual(*x, *y));
+    }
+    const auto metaA = NodeBuilder::getMetaData(*a);
+    const auto metaB = NodeBuilder::getMetaData(*b);
+    same = same && ba::isEqual(metaA.getMin(), metaB.getMin()) &&
+           ba::isEqual(metaA.getMax(), metaB.getMax());
+    for (const auto& child : a->getChildren()) {
+        const auto other = b->getChild(child->getName());
+        same = same && other &&
+               sameValues(sc::SettingsImpl::implOf(child), sc::SettingsImpl::implOf(other));
+    }
+    return same;
+}
+
+inline bool sameTree(const SettingsPtr& a, const SettingsPtr& b) {
+    const auto x = sc::SettingsImpl::implOf(a);
+    const auto y = sc::SettingsImpl::implOf(b);
+    return describeTree(x) == describeTree(y) && sameValues(x, y);
 }
 
 class ReadingTest : public ::testing::Test {
 protected:
     // Writes `text` to `file` in the test's folder and parses it with a new parser.
     SettingsPtr parse(const std::string& text, const std::string& file = "test.settings") {
-        sc::SettingsFileParser parser;
-        return parser.parse(write(text, file));
+        return sc::SettingsFileParser().parse(write(text, file));
     }
 
     std::wstring write(const std::string& text, const std::string& file = "test.settings") {
@@ -106,11 +181,17 @@ protected:
         return ErrorReadingSettingsData(ErrorReadingSettingsData::ProductNodeLoadingFailed, L"");
     }
 
+    // Parsing `text` fails with code 5 and `expected` as its detail.
+    void expectCodeFive(const std::string& text, const std::string& expected) {
+        const auto error = readError(text);
+        EXPECT_EQ(error.getErrorCode(), ErrorReadingSettingsData::SaxError) << text;
+        EXPECT_EQ(detailText(error), expected) << text;
+    }
+
     testsupport::TempDir dir_;
 };
 
-// Points the installation root (where the parser finds the schema) at `root` for the guard's
-// life.
+// Points the installation root (where the parser finds the schema) at `root` for its life.
 class InstallRootGuard {
 public:
     explicit InstallRootGuard(const std::wstring& root)
@@ -123,21 +204,19 @@ private:
     std::wstring previous_;
 };
 
-// The staged schema of the build tree.
 inline std::string builtSchema() {
     return testsupport::readFile(std::string(SETTINGSCORE_BUILD_ROOT) +
                                  "/toolbox/tolvan/configtools/settings.xsd");
 }
 
-// Places `schema` where the parser looks for it below installation root `root`.
+// Places `schema` where the parser looks for it below `root`, in one step as an installer does.
 inline void installSchema(const std::filesystem::path& root, const std::string& schema) {
-    testsupport::writeFile(root / "toolbox" / "tolvan" / "configtools" / "settings.xsd", schema);
+    const auto folder = root / "toolbox" / "tolvan" / "configtools";
+    std::filesystem::rename(testsupport::writeFile(folder / "next.xsd", schema),
+                            folder / "settings.xsd");
 }
 
-// A schema that admits any element below "settings" and any content in "key" in the settings
-// namespace, so that only the reader's own checks stand between a file and its tree: text is
-// admitted inside keys (and the elements below them), white space between the elements of a
-// group stays ignorable. It supplies no attribute defaults.
+// Admits anything below "settings" and in "key", with no defaults: only the reader checks.
 inline const char* const laxSchema =
     "<?xml version=\"1.0\"?>\n"
     "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\"\n"
