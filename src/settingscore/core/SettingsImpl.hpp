@@ -212,8 +212,11 @@ public:
     void writeSettings(const Lock& lock, std::ostream& out, const std::string& level) const;
 
     // Hangs this node under `parent`: the read-only and key-at-root checks, then the map change
-    // under a short exclusive hold. REQUIRES: `lock` holds the root mutex in upgrade mode.
-    void attachToParent(detail::UpgradeLock& lock, const boost::shared_ptr<SettingsImpl>& parent,
+    // under a short exclusive hold. REQUIRES: `lock` holds the root mutex in upgrade mode, or
+    // (UniqueFromUpgrade) exclusively already; the latter only for the private mutex of a tree
+    // being read from a file, since the checks may run validators that read the tree.
+    template <class Lock>
+    void attachToParent(Lock& lock, const boost::shared_ptr<SettingsImpl>& parent,
                         bool checkValues);
     // Runs `validator` over the values of this subtree that have no validator of their own on
     // the way down: every stored value of a key, with its parent (`parent` for this node).

@@ -20,6 +20,8 @@
 
 #include <strings.h>
 
+#include <type_traits>
+
 namespace settings {
 namespace core {
 
@@ -147,8 +149,9 @@ void SettingsImpl::insertChild(detail::UniqueFromUpgrade& lock,
     }
 }
 
-void SettingsImpl::attachToParent(detail::UpgradeLock& lock,
-                                  const boost::shared_ptr<SettingsImpl>& parent, bool checkValues) {
+template <class Lock>
+void SettingsImpl::attachToParent(Lock& lock, const boost::shared_ptr<SettingsImpl>& parent,
+                                  bool checkValues) {
     detail::requireUpgradeLock(lock);
 
     // A node has one place in one tree: a node that hangs somewhere already, or a root, is not
@@ -181,10 +184,19 @@ void SettingsImpl::attachToParent(detail::UpgradeLock& lock,
         }
     }
 
-    detail::UniqueFromUpgrade exclusive(lock);
-    parent->insertChild(exclusive, shared_from_this());
+    if constexpr (std::is_same<Lock, detail::UniqueFromUpgrade>::value) {
+        parent->insertChild(lock, shared_from_this());
+    } else {
+        detail::UniqueFromUpgrade exclusive(lock);
+        parent->insertChild(exclusive, shared_from_this());
+    }
     parent_ = parent;
 }
+
+template void SettingsImpl::attachToParent(detail::UpgradeLock&,
+                                           const boost::shared_ptr<SettingsImpl>&, bool);
+template void SettingsImpl::attachToParent(detail::UniqueFromUpgrade&,
+                                           const boost::shared_ptr<SettingsImpl>&, bool);
 
 void SettingsImpl::setParent(const boost::shared_ptr<Settings>& parent) {
     const auto parentImpl = implOf(parent);

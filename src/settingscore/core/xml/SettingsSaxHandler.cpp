@@ -9,6 +9,8 @@
 
 #include <xercesc/sax/SAXException.hpp>
 
+#include <utility>
+
 namespace settings {
 namespace core {
 
@@ -69,7 +71,7 @@ void SettingsSaxHandler::startElement(const XMLCh* const, const XMLCh* const loc
         } else {
             created = stack_.back()->createChild(tag, attributes);
         }
-        stack_.push_back(created);
+        stack_.push_back(std::move(created));
     });
 }
 
@@ -77,11 +79,10 @@ void SettingsSaxHandler::endElement(const XMLCh* const, const XMLCh* const local
                                     const XMLCh* const) {
     textLength_ = 0;
     guarded([&] {
-        const std::string tag = detail::toNarrowText(localName);
-        if (stack_.empty() || stack_.back()->getTagName() != tag) {
+        if (stack_.empty() || !detail::equalsText(localName, stack_.back()->getTagName())) {
             throwSaxException("Mismatch in tag hierarchy between parser and node stack");
         }
-        const boost::shared_ptr<XMLNode> closed = stack_.back();
+        const boost::shared_ptr<XMLNode> closed = std::move(stack_.back());
         stack_.pop_back();
         if (stack_.empty()) {
             // The document element: its node is the product node of the tree. Its finish is

@@ -66,7 +66,7 @@ protected:
     // The lock of the parse that builds this object's tree (the handler's, handed down from
     // the document element), or null for an object built outside a parse, whose nodes the
     // process's tree locks guard.
-    detail::UpgradeLock* buildLock() const { return buildLock_; }
+    detail::UniqueFromUpgrade* buildLock() const { return buildLock_; }
 
     // The full name of getSettings() for messages; empty when there is none.
     std::string settingsFullName() const;
@@ -89,7 +89,7 @@ private:
 
     // Keeps the open chain alive: a parent outlives its children's objects.
     const NodePtr parent_;
-    detail::UpgradeLock* buildLock_;
+    detail::UniqueFromUpgrade* buildLock_;
 };
 
 // An element without child elements: every child tag is refused.

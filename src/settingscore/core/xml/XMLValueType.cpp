@@ -13,6 +13,7 @@
 #include <boost/lexical_cast.hpp>
 
 #include <type_traits>
+#include <utility>
 
 namespace settings {
 namespace core {
@@ -77,7 +78,8 @@ void XMLValueType<T>::finish() {
             maxArraySize_ == 0 ? std::string("unbounded") : std::to_string(maxArraySize_));
     }
     if (count == 1 && maxArraySize_ == 1) {
-        key.setParsedValue(boost::any(T(values_.front())));
+        // T(...): for bool the element is a proxy, not a bool
+        key.setParsedValue(boost::any(T(std::move(values_.front()))));
     } else {
         key.setParsedValue(boost::any(std::move(values_)));
     }

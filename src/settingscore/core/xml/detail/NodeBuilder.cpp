@@ -66,7 +66,7 @@ ValueWriter NodeBuilder::getValueWriter(const SettingsImpl& node) {
     return node.valueWriter_;
 }
 
-void NodeBuilder::declareType(UpgradeLock* build, SettingsImpl& node, int typeCode,
+void NodeBuilder::declareType(UniqueFromUpgrade* build, SettingsImpl& node, int typeCode,
                               const ArraySizeBounds& bounds, TypeConformer conformer) {
     const auto declare = [&] {
         node.typeCode_ = typeCode;
@@ -74,7 +74,6 @@ void NodeBuilder::declareType(UpgradeLock* build, SettingsImpl& node, int typeCo
         node.typeConformer_ = conformer;
     };
     if (build) {
-        UniqueFromUpgrade exclusive(*build);
         declare();
         return;
     }
@@ -82,7 +81,7 @@ void NodeBuilder::declareType(UpgradeLock* build, SettingsImpl& node, int typeCo
     declare();
 }
 
-bool NodeBuilder::settleKey(UpgradeLock* build, SettingsImpl& node, bool anyType,
+bool NodeBuilder::settleKey(UniqueFromUpgrade* build, SettingsImpl& node, bool anyType,
                             ValueWriter writer, boost::any& value, const std::string& level) {
     boost::any replaced;  // what the level held before, if anything: dies after the locks
     const auto settle = [&] {
@@ -100,7 +99,6 @@ bool NodeBuilder::settleKey(UpgradeLock* build, SettingsImpl& node, bool anyType
         return true;
     };
     if (build) {
-        UniqueFromUpgrade exclusive(*build);
         return settle();
     }
     // The root mutex before the cache mutex, the order every holder of both keeps.
@@ -110,7 +108,7 @@ bool NodeBuilder::settleKey(UpgradeLock* build, SettingsImpl& node, bool anyType
     return settle();
 }
 
-void NodeBuilder::attach(UpgradeLock* build, SettingsImpl& child,
+void NodeBuilder::attach(UniqueFromUpgrade* build, SettingsImpl& child,
                          const boost::shared_ptr<SettingsImpl>& parent) {
     if (!build) {
         child.setParent(parent);

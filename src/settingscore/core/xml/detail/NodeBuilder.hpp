@@ -57,23 +57,23 @@ public:
 
     // --- What the elements of a file settle about their nodes, each in one exclusive hold:
     // a file of many keys pays a few lock operations per key, not one per field. `build` is
-    // the parse's lock over the tree being built (BuildLock.hpp), held in upgrade mode by the
-    // caller, under which nothing else is needed; null means a node outside a parse, for which
-    // the root mutex (and the type-cache mutex for the type caches) are taken as above. ---
+    // the parse's exclusive hold over the tree being built (BuildLock.hpp), under which nothing
+    // else is taken; null means a node outside a parse, for which the root mutex (and the
+    // type-cache mutex for the type caches) are taken as above. ---
 
     // A type element: the data type, array bounds and conformer together.
-    static void declareType(UpgradeLock* build, SettingsImpl& node, int typeCode,
+    static void declareType(UniqueFromUpgrade* build, SettingsImpl& node, int typeCode,
                             const ArraySizeBounds& bounds, TypeConformer conformer);
     // A key element that has closed: with `anyType` the data type becomes the void type;
     // `writer` becomes the value writer; without a run-time default `value` (empty or not)
     // becomes the value at `level`, taken from `value`. Returns false, and changes nothing,
     // when the key has no data type and is not of any type.
-    static bool settleKey(UpgradeLock* build, SettingsImpl& node, bool anyType, ValueWriter writer,
-                          boost::any& value, const std::string& level);
+    static bool settleKey(UniqueFromUpgrade* build, SettingsImpl& node, bool anyType,
+                          ValueWriter writer, boost::any& value, const std::string& level);
     // `child` below `parent` with setParent's checks and failures. Under a build lock the
     // parent is a group of the tree being built: not on a tree, so nothing to load first, no
     // event to publish and no file to save after.
-    static void attach(UpgradeLock* build, SettingsImpl& child,
+    static void attach(UniqueFromUpgrade* build, SettingsImpl& child,
                        const boost::shared_ptr<SettingsImpl>& parent);
 
     // Stores `value` (empty or not) as the node's value at `level`, replacing what was there.

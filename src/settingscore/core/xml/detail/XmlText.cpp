@@ -38,6 +38,20 @@ std::string toNarrowText(const XMLCh* text) {
     return std::string(text, text + length);  // each unit below 0x80 is its own char
 }
 
+bool equalsText(const XMLCh* text, const std::string& narrow) {
+    if (!text) {
+        return narrow.empty();
+    }
+    std::size_t i = 0;
+    for (; text[i] && i < narrow.size(); ++i) {
+        const auto unit = static_cast<unsigned char>(narrow[i]);
+        if (unit >= 0x80 || text[i] != unit) {
+            return false;
+        }
+    }
+    return !text[i] && i == narrow.size();
+}
+
 Utf16Buffer toUtf16Buffer(const std::string& utf8) {
     char16_t* buffer = hluLcpToUtf16(utf8.c_str());
     if (!buffer) {

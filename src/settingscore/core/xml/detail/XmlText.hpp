@@ -24,6 +24,10 @@ std::wstring toWideText(const XMLCh* text);
 // UTF-16 from the parser as narrow UTF-8 text; a null text is empty.
 std::string toNarrowText(const XMLCh* text);
 
+// Whether UTF-16 `text` from the parser reads as `narrow`, compared unit by unit: meant for
+// tags, which are plain ASCII (a text with any other character is never equal).
+bool equalsText(const XMLCh* text, const std::string& narrow);
+
 // A NUL-terminated UTF-16 copy of UTF-8 `text` made by hluLcpToUtf16 and released by
 // hluRelease when the last share goes.
 using Utf16Buffer = boost::shared_ptr<XMLCh>;
