@@ -14,6 +14,8 @@
 #include <settingscore/core/xml/detail/SettingsFileText.hpp>
 #include <settingscore/treestore/boostany/SupportedTypes.hpp>
 
+#include <algorithm>
+
 namespace settings {
 namespace core {
 
@@ -21,19 +23,10 @@ template <class Lock>
 void SettingsImpl::writeSettings(const Lock& lock, std::ostream& out,
                                  const std::string& level) const {
     detail::requireTreeLock(lock);
-    // No level means the effective stored values, as an export writes them.
-    if (!level.empty()) {
-        checkLevelKnown(level);
-    }
-    const detail::ReadAccess access(lock);
-    int depth = 0;  // the ancestors between this node and the root: 0 for a product node
-    for (auto ancestor = getParentImpl(lock); ancestor && !ancestor->isRootImpl();
-         ancestor = ancestor->getParentImpl(lock)) {
-        ++depth;
-    }
-    detail::WriteContext context{out, level, {}};
-    detail::NodeWriter::writeTree(access, *this, context, depth);
-    detail::NodeWriter::closeAncestors(access, *this, context, depth - 1);
+    // The text is built in memory and goes to the stream in one piece.
+    std::string text;
+    detail::NodeWriter::writeDocument(lock, *this, level, text);
+    out.write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
 #define SETTINGSCORE_INSTANTIATE_WRITING(Lock) \
@@ -43,20 +36,76 @@ SETTINGSCORE_FOR_EACH_TREE_LOCK(SETTINGSCORE_INSTANTIATE_WRITING)
 
 namespace detail {
 
+WriteContext::WriteContext(std::string& text, const std::string& writtenLevel)
+    : out(text), level(writtenLevel) {
+    if (!level.empty()) {
+        bool after = false;
+        for (const SettingsLevel& candidate : SettingsLevelManager::getSettingsLevelObjs()) {
+            if (after) {
+                laterLevels.push_back(candidate.levelName());
+            }
+            after = after || candidate.levelName() == level;
+        }
+    }
+}
+
+bool WriteContext::markOpen(const SettingsImpl* node) {
+    if (std::find(openTags.begin(), openTags.end(), node) != openTags.end()) {
+        return false;
+    }
+    openTags.push_back(node);
+    return true;
+}
+
+bool WriteContext::markClosed(const SettingsImpl* node) {
+    const auto found = std::find(openTags.begin(), openTags.end(), node);
+    if (found == openTags.end()) {
+        return false;
+    }
+    openTags.erase(found);
+    return true;
+}
+
+void NodeWriter::writeDocument(const ReadAccess& lock, const SettingsImpl& node,
+                               const std::string& level, std::string& out) {
+    requireTreeLock(lock);
+    // No level means the effective stored values, as an export writes them.
+    if (!level.empty()) {
+        node.checkLevelKnown(level);
+    }
+    int depth = 0;  // the ancestors between this node and the root: 0 for a product node
+    for (auto ancestor = node.getParentImpl(lock); ancestor && !ancestor->isRootImpl();
+         ancestor = ancestor->getParentImpl(lock)) {
+        ++depth;
+    }
+    WriteContext context(out, level);
+    writeTree(lock, node, context, depth);
+    closeAncestors(lock, node, context, depth - 1);
+}
+
 void NodeWriter::writeTree(const ReadAccess& lock, const SettingsImpl& node, WriteContext& context,
                            int depth) {
     requireTreeLock(lock);
     openChain(lock, node, context, depth);
+    RepeatedValidators repeated = repeatedValidatorsOf(lock, node, depth);
+    writeBody(lock, node, context, depth, repeated);
+}
+
+// The walk below a node repeats what openChain would write for each child, without walking up
+// from every child again: the ancestors' validators come from `repeated`, which grows by the
+// node's own validator on the way down, and the ancestors are open already.
+void NodeWriter::writeBody(const ReadAccess& lock, const SettingsImpl& node, WriteContext& context,
+                           int depth, RepeatedValidators& repeated) {
     if (node.isKey_) {
         // The key's own validator goes with the level that alone defines the key.
-        if (!context.level.empty() && !isHeldAfter(lock, node, context.level)) {
+        if (!context.level.empty() && !isHeldAfter(lock, node, context)) {
             writeFunctionElement(context.out, depth + 1, "validationfunc", node.validator_);
         }
         if (const ValueWriter writer = valueWriterOf(node)) {
             writer(context.out, node, lock, context.level, static_cast<unsigned>(depth + 1));
         }
-    } else {
-        // Keys first, then groups, each in the children's (byte) name order.
+    } else if (node.isRootImpl()) {
+        // The root's children are document elements, each with a frame of its own.
         for (const bool keys : {true, false}) {
             for (const auto& child : node.children_) {
                 if (child.second->isKey_ == keys) {
@@ -64,8 +113,48 @@ void NodeWriter::writeTree(const ReadAccess& lock, const SettingsImpl& node, Wri
                 }
             }
         }
+    } else {
+        const bool pushed = node.validator_.which() != 0;
+        if (pushed) {
+            repeated.emplace_back(&node.validator_, depth + 1);
+        }
+        // Keys first, then groups, each in the children's (byte) name order.
+        for (const bool keys : {true, false}) {
+            for (const auto& child : node.children_) {
+                const SettingsImpl& impl = *child.second;
+                if (impl.isKey_ != keys) {
+                    continue;
+                }
+                for (const auto& validator : repeated) {
+                    writeFunctionElement(context.out, validator.second, "validationfunc",
+                                         *validator.first);
+                }
+                if (context.markOpen(&impl)) {
+                    writeOpenTag(lock, impl, context, depth + 1, false);
+                }
+                writeBody(lock, impl, context, depth + 1, repeated);
+            }
+        }
+        if (pushed) {
+            repeated.pop_back();
+        }
     }
     writeCloseTag(node, context, depth);
+}
+
+NodeWriter::RepeatedValidators NodeWriter::repeatedValidatorsOf(const ReadAccess& lock,
+                                                                const SettingsImpl& node,
+                                                                int depth) {
+    RepeatedValidators repeated;
+    auto parent = node.getParentImpl(lock);
+    for (int at = depth; parent && !parent->isRootImpl(); --at) {
+        if (parent->validator_.which() != 0) {
+            repeated.emplace_back(&parent->validator_, at);
+        }
+        parent = parent->getParentImpl(lock);
+    }
+    std::reverse(repeated.begin(), repeated.end());  // outermost first, as openChain writes
+    return repeated;
 }
 
 void NodeWriter::openChain(const ReadAccess& lock, const SettingsImpl& node, WriteContext& context,
@@ -77,7 +166,7 @@ void NodeWriter::openChain(const ReadAccess& lock, const SettingsImpl& node, Wri
         openChain(lock, *parent, context, depth - 1);
         writeFunctionElement(context.out, depth, "validationfunc", parent->validator_);
     }
-    if (context.openTags.insert(&node).second) {
+    if (context.markOpen(&node)) {
         writeOpenTag(lock, node, context, depth, isDocumentElement);
     }
 }
@@ -87,9 +176,9 @@ void NodeWriter::closeAncestors(const ReadAccess& lock, const SettingsImpl& node
     requireTreeLock(lock);
     for (auto ancestor = node.getParentImpl(lock); ancestor;
          ancestor = ancestor->getParentImpl(lock)) {
-        if (context.openTags.erase(ancestor.get()) != 0) {
+        if (context.markClosed(ancestor.get())) {
             writeIndent(context.out, depth);
-            context.out << "</settings>\n";
+            context.out += "</settings>\n";
             --depth;
         }
     }
@@ -110,32 +199,38 @@ boost::optional<ArraySizeBounds> NodeWriter::arrayBoundsOf(const ReadAccess& loc
 
 void NodeWriter::writeOpenTag(const ReadAccess& lock, const SettingsImpl& node,
                               WriteContext& context, int depth, bool isDocumentElement) {
-    std::ostream& out = context.out;
+    std::string& out = context.out;
     if (isDocumentElement) {
-        out << Settings::settingsXMLFileHeader << '\n';
+        out += Settings::settingsXMLFileHeader;
+        out += '\n';
     }
     writeIndent(out, depth);
     // The name goes out as it stands: the format has no escaping for it.
-    out << '<' << (node.isKey_ ? "key" : "settings") << " name=\"" << node.name_ << '"';
+    out += node.isKey_ ? "<key name=\"" : "<settings name=\"";
+    out += node.name_;
+    out += '"';
     if (node.visible_.value_or(false)) {
-        out << " visible=\"true\"";
+        out += " visible=\"true\"";
     }
     if (node.version_ && isDocumentElement) {
-        out << " version=\"" << *node.version_ << '"';
+        out += " version=\"";
+        writeValueText(out, *node.version_);
+        out += '"';
     }
     if (node.isReadOnly(lock)) {
-        out << " readonly=\"true\"";
+        out += " readonly=\"true\"";
     }
     if (node.isKey_) {
         const auto typeCode = typeCodeOf(node);
         if (!typeCode || *typeCode == treestore::boostany::VoidTypeCode) {
-            out << " anytype=\"true\"";
+            out += " anytype=\"true\"";
         }
     }
     if (isDocumentElement) {
-        out << ' ' << Settings::settingsSchemaInfo;
+        out += ' ';
+        out += Settings::settingsSchemaInfo;
     }
-    out << ">\n";
+    out += ">\n";
 }
 
 void NodeWriter::closeNode(const SettingsImpl& node, WriteContext& context, int depth) {
@@ -149,22 +244,19 @@ void NodeWriter::setVersion(const UniqueFromUpgrade& lock, SettingsImpl& product
 }
 
 void NodeWriter::writeCloseTag(const SettingsImpl& node, WriteContext& context, int depth) {
-    if (context.openTags.erase(&node) != 0) {
+    if (context.markClosed(&node)) {
         writeIndent(context.out, depth);
-        context.out << "</" << (node.isKey_ ? "key" : "settings") << ">\n";
+        context.out += node.isKey_ ? "</key>\n" : "</settings>\n";
     }
 }
 
 bool NodeWriter::isHeldAfter(const ReadAccess& lock, const SettingsImpl& key,
-                             const std::string& level) {
+                             const WriteContext& context) {
     requireTreeLock(lock);
-    bool after = false;
-    for (const SettingsLevel& candidate : SettingsLevelManager::getSettingsLevelObjs()) {
-        const std::string name = candidate.levelName();
-        if (after && key.values_.count(name) != 0) {
+    for (const std::string& later : context.laterLevels) {
+        if (key.values_.count(later) != 0) {
             return true;
         }
-        after = after || name == level;
     }
     return false;
 }

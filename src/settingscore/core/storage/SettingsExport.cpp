@@ -118,8 +118,10 @@ void Settings::exportSettings(const std::vector<boost::shared_ptr<const Settings
     if (!stream) {
         throw exception::ErrorSaveSettingsDueToFileIOError(nodes.front(), path);
     }
-    detail::WriteContext context{stream, level, {}};
+    std::string text;
+    detail::WriteContext context(text, level);
     writeShadow(lock, *shadow, context, 0);
+    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
     stream.flush();
 }
 

@@ -17,11 +17,11 @@ namespace {
 namespace ba = treestore::boostany;
 
 template <class T>
-void writeValueLine(std::ostream& out, unsigned depth, const T& value) {
+void writeValueLine(std::string& out, unsigned depth, const T& value) {
     writeIndent(out, static_cast<int>(depth));
-    out << "<value>";
+    out += "<value>";
     writeValueText(out, value);
-    out << "</value>\n";
+    out += "</value>\n";
 }
 
 // Whether a value holds one of the vector types.
@@ -34,14 +34,14 @@ struct HoldsVector {
 };
 
 template <class T>
-void writeVectorLines(std::ostream& out, unsigned depth, const std::vector<T>& values) {
+void writeVectorLines(std::string& out, unsigned depth, const std::vector<T>& values) {
     for (const T& value : values) {
         writeValueLine(out, depth, value);
     }
 }
 
 // vector<bool> hands out proxies: each bit goes out as a bool, the same way as a scalar.
-void writeVectorLines(std::ostream& out, unsigned depth, const std::vector<bool>& values) {
+void writeVectorLines(std::string& out, unsigned depth, const std::vector<bool>& values) {
     for (const bool value : values) {
         writeValueLine(out, depth, value);
     }
@@ -50,7 +50,7 @@ void writeVectorLines(std::ostream& out, unsigned depth, const std::vector<bool>
 // One "value" line per element. A value of the key's own type is the rule; anything else is
 // converted to it, a vector as a vector and a scalar as a scalar.
 template <class T>
-void writeValueLines(std::ostream& out, unsigned depth, const boost::any& value) {
+void writeValueLines(std::string& out, unsigned depth, const boost::any& value) {
     if (const T* scalar = boost::any_cast<T>(&value)) {
         writeValueLine(out, depth, *scalar);
     } else if (const auto* vector = boost::any_cast<std::vector<T>>(&value)) {
@@ -69,38 +69,45 @@ boost::any valueToWrite(const SettingsImpl& key, const ReadAccess& lock, const s
 }
 
 template <class T>
-void writeTypeElement(std::ostream& out, const SettingsImpl& key, const ReadAccess& lock,
+void writeTypeElement(std::string& out, const SettingsImpl& key, const ReadAccess& lock,
                       const std::string& level, unsigned depth, const boost::any& value) {
     const char* const typeWord = ba::detail::scalarTypeName<T>();
     const RunTimeDefaultVariant& runTimeDefault = NodeWriter::runTimeDefaultOf(lock, key);
     const boost::optional<std::string> belongingLevel = belongingLevelOf(runTimeDefault);
 
     writeIndent(out, static_cast<int>(depth));
-    out << '<' << typeWord;
+    out += '<';
+    out += typeWord;
     // A missing attribute reads as 1, so 1 is never written; a key without limits writes none.
     if (const auto bounds = NodeWriter::arrayBoundsOf(lock, key)) {
         if (bounds->getMinArraySize() != 1) {
-            out << " minArraySize=\"" << bounds->getMinArraySize() << '"';
+            out += " minArraySize=\"";
+            writeValueText(out, bounds->getMinArraySize());
+            out += '"';
         }
         if (bounds->getMaxArraySize() != 1) {
-            out << " maxArraySize=\"" << bounds->getMaxArraySize() << '"';
+            out += " maxArraySize=\"";
+            writeValueText(out, bounds->getMaxArraySize());
+            out += '"';
         }
     }
     if (!belongingLevel && value.empty() && key.effectiveValue(lock, false).empty()) {
-        out << " undef=\"true\"";
+        out += " undef=\"true\"";
     }
-    out << ">\n";
+    out += ">\n";
     if (belongingLevel && *belongingLevel == level) {
         writeFunctionElement(out, static_cast<int>(depth) + 1, "runtimedefault", runTimeDefault);
     } else if (!value.empty()) {
         writeValueLines<T>(out, depth + 1, value);
     }
     writeIndent(out, static_cast<int>(depth));
-    out << "</" << typeWord << ">\n";
+    out += "</";
+    out += typeWord;
+    out += ">\n";
 }
 
 template <class T>
-void writeTyped(std::ostream& out, const SettingsImpl& key, const ReadAccess& lock,
+void writeTyped(std::string& out, const SettingsImpl& key, const ReadAccess& lock,
                 const std::string& level, unsigned depth) {
     writeTypeElement<T>(out, key, lock, level, depth, valueToWrite(key, lock, level));
 }
@@ -108,7 +115,7 @@ void writeTyped(std::ostream& out, const SettingsImpl& key, const ReadAccess& lo
 // Picks the type element from the type that the value holds, scalar or vector.
 class AnyTypeElement {
 public:
-    AnyTypeElement(std::ostream& out, const SettingsImpl& key, const ReadAccess& lock,
+    AnyTypeElement(std::string& out, const SettingsImpl& key, const ReadAccess& lock,
                    const std::string& level, unsigned depth, const boost::any& value)
         : out_(out), key_(key), lock_(lock), level_(level), depth_(depth), value_(value) {}
 
@@ -120,7 +127,7 @@ public:
     }
 
 private:
-    std::ostream& out_;
+    std::string& out_;
     const SettingsImpl& key_;
     const ReadAccess& lock_;
     const std::string& level_;
@@ -128,7 +135,7 @@ private:
     const boost::any& value_;
 };
 
-void writeAnyType(std::ostream& out, const SettingsImpl& key, const ReadAccess& lock,
+void writeAnyType(std::string& out, const SettingsImpl& key, const ReadAccess& lock,
                   const std::string& level, unsigned depth) {
     const boost::any value = valueToWrite(key, lock, level);
     ba::detail::visitAny(value, AnyTypeElement(out, key, lock, level, depth, value));

@@ -5,7 +5,6 @@
 
 #include <settingscore/core/detail/TreeLock.hpp>
 
-#include <ostream>
 #include <string>
 
 namespace settings {
@@ -15,10 +14,10 @@ class SettingsImpl;
 
 namespace detail {
 
-// Writes the type element of `key` for `level` at indent depth `depth`: its opening line with
-// the array attributes, then the run-time default that belongs to `level` or the values at
+// Appends the type element of `key` for `level` at indent depth `depth` to `out`: its opening line
+// with the array attributes, then the run-time default that belongs to `level` or the values at
 // `level`, then its closing line. REQUIRES: the tree lock witnessed by `lock`.
-using ValueWriter = void (*)(std::ostream& out, const SettingsImpl& key, const ReadAccess& lock,
+using ValueWriter = void (*)(std::string& out, const SettingsImpl& key, const ReadAccess& lock,
                              const std::string& level, unsigned depth);
 
 // The writer of the scalar type T's type word (the twelve scalars; arrays of T use it too).

@@ -2,11 +2,14 @@
 
 #include <settingscore/core/SettingsImpl.hpp>
 #include <settingscore/core/storage/SettingsLevel.hpp>
+#include <settingscore/core/xml/detail/NodeWriter.hpp>
 
 #include <platform/hf/filesystem/Operations.hpp>
 
 #include <atomic>
-#include <fstream>
+#include <cerrno>
+#include <cstddef>
+#include <string>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -18,22 +21,38 @@ namespace detail {
 
 namespace {
 
-bool writeSettingsToFileDefault(const SettingsLevel* level, SettingsPtr& object,
-                                const ReadAccess& lock, const hf::filesystem::upath& file) {
-    {
-        std::ofstream stream(hf::filesystem::detail::make_native_access_form(file),
-                             std::ios::out | std::ios::trunc);
-        if (!stream) {
+// Writes all of `text` to `fd`, going on after short writes and interruptions.
+bool writeAll(int fd, const std::string& text) {
+    const char* next = text.data();
+    std::size_t left = text.size();
+    while (left > 0) {
+        const ssize_t written = ::write(fd, next, left);
+        if (written < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
             return false;
         }
-        SettingsImpl::implOf(object)->writeSettings(lock, stream, level->levelName());
-        stream.flush();
-        stream.close();
-        if (stream.fail()) {
-            return false;  // a full disk, a write error: the file is short
-        }
+        next += written;
+        left -= static_cast<std::size_t>(written);
     }
-    return !isDurableSaving() || syncFileData(file);
+    return true;
+}
+
+// The product's text is built in memory first and goes out in one write call; with durable
+// saving its data is flushed through the same descriptor before the close.
+bool writeSettingsToFileDefault(const SettingsLevel* level, SettingsPtr& object,
+                                const ReadAccess& lock, const hf::filesystem::upath& file) {
+    std::string text;
+    NodeWriter::writeDocument(lock, *SettingsImpl::implOf(object), level->levelName(), text);
+    const int fd = ::open(hf::filesystem::detail::make_native_access_form(file).c_str(),
+                          O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (fd < 0) {
+        return false;
+    }
+    // A full disk, a write error: the file is short.
+    const bool complete = writeAll(fd, text) && (!isDurableSaving() || ::fdatasync(fd) == 0);
+    return ::close(fd) == 0 && complete;
 }
 
 void renameDefault(const hf::filesystem::upath& from, const hf::filesystem::upath& to) {

@@ -9,9 +9,9 @@
 
 #include <boost/optional.hpp>
 
-#include <ostream>
 #include <string>
-#include <unordered_set>
+#include <utility>
+#include <vector>
 
 namespace settings {
 namespace core {
@@ -20,18 +20,35 @@ class SettingsImpl;
 
 namespace detail {
 
-// The state of one writeSettings call: where the text goes, the level being written, and the
-// nodes whose opening tag is out and not yet closed. This state belongs to the call and never
-// to the nodes, because several threads may write the same product at once, each under a
-// shared hold of the root mutex.
+// The state of one writeSettings call: the text written so far, the level being written, the
+// levels after it in the level table, and the nodes whose opening tag is out and not yet
+// closed. This state belongs to the call and never to the nodes, because several threads may
+// write the same product at once, each under a shared hold of the root mutex.
 struct WriteContext {
-    std::ostream& out;
+    // Appends to `out`; `level` must outlive the context.
+    WriteContext(std::string& out, const std::string& level);
+
+    std::string& out;
     const std::string& level;
-    std::unordered_set<const SettingsImpl*> openTags;
+    // Open tags always form one chain from the document element down, so a short list in
+    // opening order is all it takes.
+    std::vector<const SettingsImpl*> openTags;
+    // The levels after `level` in the level table, found once per call rather than per key.
+    std::vector<std::string> laterLevels;
+
+    // Marks `node` open; false when it already was.
+    bool markOpen(const SettingsImpl* node);
+    // Marks `node` closed; false when it was not open.
+    bool markClosed(const SettingsImpl* node);
 };
 
 class NodeWriter {
 public:
+    // The whole text of writeSettings for `node` at `level` (none: the effective stored
+    // values), appended to `out`: `node` with its ancestors' frame. UnknownLevel for a level
+    // outside the level table.
+    static void writeDocument(const ReadAccess& lock, const SettingsImpl& node,
+                              const std::string& level, std::string& out);
     // Writes `node` at indent `depth` with the chain of its ancestors opened first (those not
     // open yet), then its content, then its closing tag. Ancestors stay open.
     static void writeTree(const ReadAccess& lock, const SettingsImpl& node, WriteContext& context,
@@ -59,12 +76,23 @@ public:
                                                           const SettingsImpl& key);
 
 private:
+    // Each ancestor's validator, repeated before every descendant opened below it, with the
+    // depth it goes out at; only validators that write something are kept.
+    using RepeatedValidators = std::vector<std::pair<const ValidatorVariant*, int>>;
+
+    // The content and the closing tag of `node`, whose opening tag and ancestors are out, at
+    // `depth`; `repeated` holds what goes before each child (see openChain).
+    static void writeBody(const ReadAccess& lock, const SettingsImpl& node, WriteContext& context,
+                          int depth, RepeatedValidators& repeated);
+    // What openChain repeats before `node` at `depth`, found by one walk up.
+    static RepeatedValidators repeatedValidatorsOf(const ReadAccess& lock, const SettingsImpl& node,
+                                                   int depth);
     static void writeOpenTag(const ReadAccess& lock, const SettingsImpl& node,
                              WriteContext& context, int depth, bool isDocumentElement);
     static void writeCloseTag(const SettingsImpl& node, WriteContext& context, int depth);
-    // Whether a level after `level` in the level table stores a value for `key`.
+    // Whether a level after the context's level in the level table stores a value for `key`.
     static bool isHeldAfter(const ReadAccess& lock, const SettingsImpl& key,
-                            const std::string& level);
+                            const WriteContext& context);
     // The key's value writer; a key whose type is known but that has no writer yet gets the
     // writer of its type code.
     static ValueWriter valueWriterOf(const SettingsImpl& key);

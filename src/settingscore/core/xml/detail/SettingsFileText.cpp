@@ -6,6 +6,9 @@
 #include <boost/variant/apply_visitor.hpp>
 #include <boost/variant/static_visitor.hpp>
 
+#include <charconv>
+#include <cstddef>
+
 namespace settings {
 namespace core {
 namespace detail {
@@ -33,7 +36,7 @@ const char* calloutTypeWord(const JRunTimeDefault&) {
 
 class FunctionElement : public boost::static_visitor<void> {
 public:
-    FunctionElement(std::ostream& out, int depth, const char* tag)
+    FunctionElement(std::string& out, int depth, const char* tag)
         : out_(out), depth_(depth), tag_(tag) {}
 
     void operator()(const boost::mpl::void_&) const {}
@@ -42,16 +45,30 @@ public:
     void operator()(const Callout& callout) const {
         // Names go out as they stand: the format has no escaping for them.
         writeIndent(out_, depth_);
-        out_ << '<' << tag_ << " type='" << calloutTypeWord(callout) << "' packagename='"
-             << callout.getPackageName() << "' functionname='" << callout.getFunctionName()
-             << "'/>\n";
+        out_ += '<';
+        out_ += tag_;
+        out_ += " type='";
+        out_ += calloutTypeWord(callout);
+        out_ += "' packagename='";
+        out_ += callout.getPackageName();
+        out_ += "' functionname='";
+        out_ += callout.getFunctionName();
+        out_ += "'/>\n";
     }
 
 private:
-    std::ostream& out_;
+    std::string& out_;
     int depth_;
     const char* tag_;
 };
+
+// Decimal digits of any integer, without locale: to_chars writes neither grouping nor a plus.
+template <class Integer>
+void appendDecimal(std::string& out, Integer value) {
+    char digits[24];
+    const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+    out.append(digits, end);
+}
 
 class BelongingLevel : public boost::static_visitor<boost::optional<std::string>> {
 public:
@@ -65,94 +82,102 @@ public:
 
 }  // namespace
 
-void writeIndent(std::ostream& out, int depth) {
-    for (int step = 0; step < depth; ++step) {
-        out << "    ";
+void writeIndent(std::string& out, int depth) {
+    if (depth > 0) {
+        out.append(static_cast<std::size_t>(depth) * 4, ' ');
     }
 }
 
 std::string cdataSection(const std::wstring& text) {
-    static const std::string closing = "]]>";
-    const std::string utf8 = hf::i18n::to_string(text);
-    std::string section = "<![CDATA[";
-    std::string::size_type from = 0;
-    for (auto found = utf8.find(closing); found != std::string::npos;
-         found = utf8.find(closing, from)) {
-        section.append(utf8, from, found - from);
-        section += "]]]]><![CDATA[>";
-        from = found + closing.size();
-    }
-    section.append(utf8, from, std::string::npos);
-    section += closing;
+    std::string section;
+    appendCdataSection(section, text);
     return section;
 }
 
-void writeValueText(std::ostream& out, const std::wstring& value) {
-    out << cdataSection(value);
+void appendCdataSection(std::string& out, const std::wstring& text) {
+    static const std::string closing = "]]>";
+    const std::string utf8 = hf::i18n::to_string(text);
+    out += "<![CDATA[";
+    std::string::size_type from = 0;
+    for (auto found = utf8.find(closing); found != std::string::npos;
+         found = utf8.find(closing, from)) {
+        out.append(utf8, from, found - from);
+        out += "]]]]><![CDATA[>";
+        from = found + closing.size();
+    }
+    out.append(utf8, from, std::string::npos);
+    out += closing;
 }
 
-void writeValueText(std::ostream& out, bool value) {
-    out << value;
+void writeValueText(std::string& out, const std::wstring& value) {
+    appendCdataSection(out, value);
 }
 
-// The 8-bit types go through the 16-bit operators: the character operators would write the
-// byte itself.
-void writeValueText(std::ostream& out, signed char value) {
-    out << static_cast<short>(value);
+void writeValueText(std::string& out, bool value) {
+    out += value ? '1' : '0';
 }
 
-void writeValueText(std::ostream& out, unsigned char value) {
-    out << static_cast<unsigned short>(value);
+// The 8-bit types as numbers: appended as characters they would write the byte itself.
+void writeValueText(std::string& out, signed char value) {
+    appendDecimal(out, static_cast<int>(value));
 }
 
-void writeValueText(std::ostream& out, short value) {
-    out << value;
+void writeValueText(std::string& out, unsigned char value) {
+    appendDecimal(out, static_cast<unsigned>(value));
 }
 
-void writeValueText(std::ostream& out, unsigned short value) {
-    out << value;
+void writeValueText(std::string& out, short value) {
+    appendDecimal(out, value);
 }
 
-void writeValueText(std::ostream& out, int value) {
-    out << value;
+void writeValueText(std::string& out, unsigned short value) {
+    appendDecimal(out, value);
 }
 
-void writeValueText(std::ostream& out, unsigned int value) {
-    out << value;
+void writeValueText(std::string& out, int value) {
+    appendDecimal(out, value);
 }
 
-void writeValueText(std::ostream& out, long long value) {
-    out << value;
+void writeValueText(std::string& out, unsigned int value) {
+    appendDecimal(out, value);
 }
 
-void writeValueText(std::ostream& out, unsigned long long value) {
-    out << value;
+void writeValueText(std::string& out, long long value) {
+    appendDecimal(out, value);
 }
 
-// A float keeps to the stream, and the precision stays set: floats and doubles have two
-// different formats on purpose.
-void writeValueText(std::ostream& out, float value) {
-    out.precision(11);
-    out << value;
+void writeValueText(std::string& out, unsigned long long value) {
+    appendDecimal(out, value);
 }
 
-void writeValueText(std::ostream& out, double value) {
+// Floats and doubles have two different formats on purpose: a float keeps 11 significant
+// digits in general notation, which to_chars gives exactly as %.11g would in the "C" locale
+// (the float widened to double first, as a stream widens it).
+void writeValueText(std::string& out, float value) {
+    char text[64];
+    const auto end = std::to_chars(text, text + sizeof text, static_cast<double>(value),
+                                   std::chars_format::general, 11)
+                         .ptr;
+    out.append(text, end);
+}
+
+void writeValueText(std::string& out, double value) {
     HluFpcContext context;
     hluInitializeFpcContext(&context, hluMemoryContext());
     char buffer[64];
-    if (hluFormatG(&context, buffer, sizeof buffer, value) < 0) {
-        buffer[0] = '\0';  // cannot happen for 64 bytes; write nothing rather than garbage
-    }
+    const int length = hluFormatG(&context, buffer, sizeof buffer, value);
     hluClearFpcContext(&context);
-    out << buffer;
+    if (length > 0) {  // -1 cannot happen for 64 bytes; write nothing rather than garbage
+        out.append(buffer, static_cast<std::size_t>(length));
+    }
 }
 
-void writeFunctionElement(std::ostream& out, int depth, const char* tag,
+void writeFunctionElement(std::string& out, int depth, const char* tag,
                           const ValidatorVariant& validator) {
     boost::apply_visitor(FunctionElement(out, depth, tag), validator);
 }
 
-void writeFunctionElement(std::ostream& out, int depth, const char* tag,
+void writeFunctionElement(std::string& out, int depth, const char* tag,
                           const RunTimeDefaultVariant& runTimeDefault) {
     boost::apply_visitor(FunctionElement(out, depth, tag), runTimeDefault);
 }
