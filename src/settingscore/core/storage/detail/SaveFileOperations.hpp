@@ -25,7 +25,7 @@ struct SaveFileOperations {
     static WriteSettingsToFile writeSettingsToFile();
     static RenameFile renameTempToTarget();
     static RenameFile renameTargetToPrevious();
-    // Kept for symmetry with the other two: no step of the save moves the old file back.
+    // Puts the old file back when a save gives up after moving it aside.
     static RenameFile renamePreviousToTarget();
 
 private:

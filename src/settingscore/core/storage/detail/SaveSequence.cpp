@@ -33,11 +33,15 @@ const hf::log::basic_diagnostic_logger<char>& saveLogger() {
     return logger;
 }
 
-// Removes the temporary folder, and whatever is left in it, on every way out of a save.
+// Removes the temporary folder, and whatever is left in it, on every way out of a save, unless
+// told to keep it (it then holds the only copy of the old file).
 class TempDirectoryGuard {
 public:
     explicit TempDirectoryGuard(hf::filesystem::upath folder) : folder_(std::move(folder)) {}
     ~TempDirectoryGuard() {
+        if (kept_) {
+            return;
+        }
         try {
             if (hf::filesystem::exists(folder_)) {
                 hf::filesystem::remove_all(folder_);
@@ -48,13 +52,32 @@ public:
     TempDirectoryGuard(const TempDirectoryGuard&) = delete;
     TempDirectoryGuard& operator=(const TempDirectoryGuard&) = delete;
 
+    void keep() { kept_ = true; }
+
 private:
     hf::filesystem::upath folder_;
+    bool kept_ = false;
 };
+
+// After a give-up: the old file, if the loop moved it aside, goes back where it was. Nothing
+// replaced it, and a save that changes nothing on disk must not lose what was there. False when
+// it is still aside (the move back failed too).
+bool restoreTarget(const hf::filesystem::upath& target, const hf::filesystem::upath& previous) {
+    try {
+        if (!hf::filesystem::exists(previous) || hf::filesystem::exists(target)) {
+            return true;
+        }
+        SaveFileOperations::renamePreviousToTarget()(previous, target);
+        return true;
+    } catch (const hf::filesystem::FsysExceptionBase&) {
+        return false;
+    }
+}
 
 // Replaces `target` by `tmp`. A rename that refuses an existing target is answered by moving
 // the target aside and trying again at once; competing writers meet pauses after passes 333,
-// 666 and 999; after 1000 passes the save gives up without a word. True when replaced.
+// 666 and 999; after 1000 passes the save gives up without a word (restoreTarget then puts a
+// target that was moved aside back). True when replaced.
 bool replaceTarget(const hf::filesystem::upath& tmp, const hf::filesystem::upath& target,
                    const hf::filesystem::upath& previous) {
     for (int attempts = 1;; ++attempts) {
@@ -129,7 +152,7 @@ void saveSettingsAtLevel(const SettingsLevel* level, SettingsPtr object, const R
     } catch (const MessageException<TOLVAN::settings::core::CanNotCreateTempDirectory>&) {
         return;
     }
-    const TempDirectoryGuard guard(tempDir);
+    TempDirectoryGuard guard(tempDir);
     const std::string fileName = saveObj->getName() + Settings::settingsExtension;
     const hf::filesystem::upath target = folder / hf::filesystem::upath(fileName);
     const hf::filesystem::upath tmp = tempDir / hf::filesystem::upath(fileName + ".tmp");
@@ -143,8 +166,16 @@ void saveSettingsAtLevel(const SettingsLevel* level, SettingsPtr object, const R
     if (!isTargetWritable(target)) {
         return;
     }
-    if (replaceTarget(tmp, target, previous) && isDurableSaving()) {
-        syncFolder(folder);  // the rename itself reaches the disk
+    if (replaceTarget(tmp, target, previous)) {
+        if (isDurableSaving()) {
+            syncFolder(folder);  // the rename itself reaches the disk
+        }
+    } else if (!restoreTarget(target, previous)) {
+        // The old file could be neither replaced nor put back: its folder stays, so that the
+        // only copy survives, and the log says where.
+        guard.keep();
+        saveLogger().log(1, "SaveObj : " + saveObj->getName() + " Level : " + level->levelName() +
+                                " not saved: the previous file is kept at " + previous.string());
     }
 }
 
