@@ -3,6 +3,8 @@
 
 #include <boost/pointer_cast.hpp>
 
+#include <shared_mutex>
+
 namespace settings {
 namespace core {
 
@@ -41,7 +43,7 @@ SettingsImpl::SettingsImpl(const SettingsImpl& other)
       metaData_(other.metaData_),
       runTimeDefault_(other.runTimeDefault_) {
     {
-        boost::shared_lock<boost::shared_mutex> caches(detail::keyCacheMutex());
+        std::shared_lock<std::shared_mutex> caches(detail::keyCacheMutex());
         typeConformer_ = other.typeConformer_;
         arraySizeBounds_ = other.arraySizeBounds_;
         valueWriter_ = other.valueWriter_;
@@ -80,7 +82,7 @@ bool SettingsImpl::isVisible() const {
 boost::optional<int> SettingsImpl::getDataType() const {
     ensureLoaded();
     detail::SharedLock lock(detail::rootMutex());
-    boost::shared_lock<boost::shared_mutex> caches(detail::keyCacheMutex());
+    std::shared_lock<std::shared_mutex> caches(detail::keyCacheMutex());
     return typeCode_;
 }
 

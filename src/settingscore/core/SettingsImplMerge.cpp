@@ -18,6 +18,8 @@
 
 #include <boost/make_shared.hpp>
 
+#include <shared_mutex>
+
 namespace settings {
 namespace core {
 
@@ -78,7 +80,7 @@ void SettingsImpl::checkNodeAttributes(const Lock& lock, const SettingsImpl& oth
 template <class Lock>
 void SettingsImpl::copyDefinitionFrom(const Lock& lock, const SettingsImpl& other) {
     detail::requireTreeLock(lock);
-    boost::unique_lock<boost::shared_mutex> caches(detail::keyCacheMutex());
+    std::unique_lock<std::shared_mutex> caches(detail::keyCacheMutex());
     typeConformer_ = other.typeConformer_;
     arraySizeBounds_ = other.arraySizeBounds_;
     valueWriter_ = other.valueWriter_;

@@ -12,6 +12,8 @@
 
 #include <boost/container/small_vector.hpp>
 
+#include <shared_mutex>
+
 namespace settings {
 namespace core {
 
@@ -201,7 +203,7 @@ boost::optional<int> SettingsImpl::getKeyType(const std::string& name) const {
     if (!child->isKey_) {
         throw exception::NotAKeyName(shared_from_this(), name);
     }
-    boost::shared_lock<boost::shared_mutex> caches(detail::keyCacheMutex());
+    std::shared_lock<std::shared_mutex> caches(detail::keyCacheMutex());
     return child->typeCode_;
 }
 
@@ -225,7 +227,7 @@ boost::optional<ArraySizeBounds> SettingsImpl::getArraySizeBounds(const std::str
     ensureLoaded();
     detail::SharedLock lock(detail::rootMutex());
     const SettingsImpl& key = keyOf(lock, *this, name);
-    boost::shared_lock<boost::shared_mutex> caches(detail::keyCacheMutex());
+    std::shared_lock<std::shared_mutex> caches(detail::keyCacheMutex());
     return key.arraySizeBounds_;
 }
 

@@ -11,6 +11,8 @@
 #include <settingscore/core/exception/Exceptions.hpp>
 #include <settingscore/treestore/boostany/BoostAny.hpp>
 
+#include <shared_mutex>
+
 namespace settings {
 namespace core {
 
@@ -53,11 +55,11 @@ void SettingsImpl::validateCore(const Lock& lock, boost::any& value) const {
     };
     bool complete = false;
     {
-        boost::shared_lock<boost::shared_mutex> caches(detail::keyCacheMutex());
+        std::shared_lock<std::shared_mutex> caches(detail::keyCacheMutex());
         complete = takeCaches();
     }
     if (!complete) {
-        boost::unique_lock<boost::shared_mutex> caches(detail::keyCacheMutex());
+        std::unique_lock<std::shared_mutex> caches(detail::keyCacheMutex());
         deduceTypeFromValue(value);
         takeCaches();
     }

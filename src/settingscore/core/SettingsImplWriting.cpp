@@ -15,6 +15,7 @@
 #include <settingscore/treestore/boostany/SupportedTypes.hpp>
 
 #include <algorithm>
+#include <shared_mutex>
 
 namespace settings {
 namespace core {
@@ -193,7 +194,7 @@ const RunTimeDefaultVariant& NodeWriter::runTimeDefaultOf(const ReadAccess& lock
 boost::optional<ArraySizeBounds> NodeWriter::arrayBoundsOf(const ReadAccess& lock,
                                                            const SettingsImpl& key) {
     requireTreeLock(lock);
-    boost::shared_lock<boost::shared_mutex> caches(keyCacheMutex());
+    std::shared_lock<std::shared_mutex> caches(keyCacheMutex());
     return key.arraySizeBounds_;
 }
 
@@ -262,7 +263,7 @@ bool NodeWriter::isHeldAfter(const ReadAccess& lock, const SettingsImpl& key,
 }
 
 ValueWriter NodeWriter::valueWriterOf(const SettingsImpl& key) {
-    boost::shared_lock<boost::shared_mutex> caches(keyCacheMutex());
+    std::shared_lock<std::shared_mutex> caches(keyCacheMutex());
     if (key.valueWriter_ || !key.typeCode_) {
         return key.valueWriter_;
     }
@@ -273,7 +274,7 @@ ValueWriter NodeWriter::valueWriterOf(const SettingsImpl& key) {
 }
 
 boost::optional<int> NodeWriter::typeCodeOf(const SettingsImpl& key) {
-    boost::shared_lock<boost::shared_mutex> caches(keyCacheMutex());
+    std::shared_lock<std::shared_mutex> caches(keyCacheMutex());
     return key.typeCode_;
 }
 

@@ -9,6 +9,7 @@
 
 #include <boost/variant/static_visitor.hpp>
 
+#include <shared_mutex>
 #include <type_traits>
 
 namespace settings {
@@ -193,8 +194,8 @@ bool invokeValidator(const ValidatorVariant& validator, const ConstSettingsPtr& 
     return boost::apply_visitor(ValidatorCall(parent, keyName, value), validator);
 }
 
-boost::shared_mutex& keyCacheMutex() {
-    static boost::shared_mutex* const mutex = new boost::shared_mutex();
+std::shared_mutex& keyCacheMutex() {
+    static std::shared_mutex* const mutex = new std::shared_mutex();
     return *mutex;
 }
 

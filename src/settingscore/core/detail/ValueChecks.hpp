@@ -11,6 +11,7 @@
 #include <boost/optional.hpp>
 #include <boost/thread/shared_mutex.hpp>
 
+#include <shared_mutex>
 #include <string>
 #include <vector>
 
@@ -58,7 +59,7 @@ bool invokeValidator(const ValidatorVariant& validator, const ConstSettingsPtr& 
 // Guards the type caches of every key (type code, conformer, array bounds): filled once from a
 // key's first value, possibly under a shared hold of the root mutex, so they need a lock of
 // their own. A leaf: nothing is locked under it.
-boost::shared_mutex& keyCacheMutex();
+std::shared_mutex& keyCacheMutex();
 
 }  // namespace detail
 }  // namespace core

@@ -6,14 +6,16 @@
 
 #include <boost/thread/locks.hpp>
 
+#include <shared_mutex>
+
 namespace settings {
 namespace core {
 namespace detail {
 
 namespace {
 
-using CacheWrite = boost::unique_lock<boost::shared_mutex>;
-using CacheRead = boost::shared_lock<boost::shared_mutex>;
+using CacheWrite = std::unique_lock<std::shared_mutex>;
+using CacheRead = std::shared_lock<std::shared_mutex>;
 
 // Runs `change` with the root mutex held exclusively, taken the way the tree takes it: upgrade
 // first, then exclusive from upgrade.

@@ -10,6 +10,7 @@
 #include <boost/make_shared.hpp>
 #include <boost/thread/locks.hpp>
 
+#include <shared_mutex>
 #include <type_traits>
 
 namespace settings {
@@ -104,7 +105,7 @@ boost::shared_ptr<SettingsImpl> NodeBuilder::copyForMerge(UpgradeLock& lock,
     copy->values_ = original.values_;
     copy->children_ = original.children_;
     // The copy's bounds are its own: bounds naming the original would keep its memory.
-    boost::unique_lock<boost::shared_mutex> caches(keyCacheMutex());
+    std::unique_lock<std::shared_mutex> caches(keyCacheMutex());
     if (copy->arraySizeBounds_) {
         copy->arraySizeBounds_ = ArraySizeBounds(copy, copy->arraySizeBounds_->getMinArraySize(),
                                                  copy->arraySizeBounds_->getMaxArraySize());
