@@ -2,9 +2,12 @@
 
 #include <boost/uuid/uuid_hash.hpp>
 
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <random>
+
+#include <pthread.h>
 
 namespace hostsvc {
 namespace msg_svc {
@@ -12,16 +15,29 @@ namespace exchange {
 
 namespace {
 
-// A 64-bit engine per thread, seeded once from the operating system's random source: two
-// draws make an id, without a lock and without the per-32-bit distribution step of a
-// general-purpose uuid generator (ids are made for every node of every file read).
+// Counts the forks this process came out of: a child must not go on drawing the ids its parent
+// draws too (two processes saving into one folder would pick the same temporary names).
+std::atomic<unsigned> forkGeneration{0};
+[[maybe_unused]] const int forkWatch = ::pthread_atfork(nullptr, nullptr, [] { ++forkGeneration; });
+
+std::mt19937_64 seededEngine() {
+    std::random_device source;
+    std::seed_seq seed{source(), source(), source(), source(),
+                       source(), source(), source(), source()};
+    return std::mt19937_64(seed);
+}
+
+// A 64-bit engine per thread, seeded from the operating system's random source once, and again
+// after a fork: two draws make an id, without a lock and without the per-32-bit distribution
+// step of a general-purpose uuid generator (ids are made for every node of every file read).
 std::mt19937_64& threadEngine() {
-    thread_local std::mt19937_64 engine = [] {
-        std::random_device source;
-        std::seed_seq seed{source(), source(), source(), source(),
-                           source(), source(), source(), source()};
-        return std::mt19937_64(seed);
-    }();
+    thread_local std::mt19937_64 engine = seededEngine();
+    thread_local unsigned generation = forkGeneration.load();
+    const unsigned now = forkGeneration.load(std::memory_order_relaxed);
+    if (generation != now) {
+        engine = seededEngine();
+        generation = now;
+    }
     return engine;
 }
 

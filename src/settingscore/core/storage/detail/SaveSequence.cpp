@@ -21,6 +21,8 @@
 #include <atomic>
 #include <cstdlib>
 #include <ctime>
+#include <filesystem>
+#include <system_error>
 
 namespace settings {
 namespace core {
@@ -114,6 +116,16 @@ hf::filesystem::upath createSaveTempDirectory(const hf::filesystem::upath& folde
             if (!hf::filesystem::exists(candidate)) {
                 throw makeMessageException<TOLVAN::settings::core::NoWritePermissionOnDirectory>(
                     folder.wstring(), e.what());
+            }
+            continue;
+        } catch (const hf::filesystem::FsysExceptionBase&) {
+            // Another save's folder that vanished between our attempt and the check of what
+            // stood there: taken all the same, try the next name. Anything else (the level's
+            // folder is no folder, say) is the caller's to hear.
+            std::error_code ignored;
+            if (!std::filesystem::is_directory(
+                    hf::filesystem::detail::make_native_access_form(folder), ignored)) {
+                throw;
             }
             continue;
         }
