@@ -14,6 +14,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "ProductFiles.hpp"
+
 #include <boost/any.hpp>
 
 #include <fcntl.h>
@@ -38,42 +40,8 @@ namespace {
 
 constexpr int sizes[] = {100, 1000, 10000};
 
-std::string productName(int keys) {
-    return "p" + std::to_string(keys);
-}
-
-// A factory file of `keys` keys in groups of 100, the four common types in turn.
-std::string factoryDocument(int keys) {
-    std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<settings name=\"" +
-                       productName(keys) +
-                       "\" visible=\"true\" xmlns=\"urn:lindqvare.tolvan.settings\">\n";
-    for (int k = 0; k < keys; ++k) {
-        if (k % 100 == 0) {
-            text += "<settings name=\"g" + std::to_string(k / 100) + "\" visible=\"true\">\n";
-        }
-        const std::string n = std::to_string(k);
-        text += "<key name=\"k" + n + "\" visible=\"true\">";
-        switch (k % 4) {
-            case 0:
-                text += "<int32><value>" + n + "</value></int32>";
-                break;
-            case 1:
-                text += "<double><value>" + n + ".5</value></double>";
-                break;
-            case 2:
-                text += "<bool><value>true</value></bool>";
-                break;
-            default:
-                text += "<string><value>text " + n + "</value></string>";
-                break;
-        }
-        text += "</key>\n";
-        if (k % 100 == 99 || k == keys - 1) {
-            text += "</settings>\n";
-        }
-    }
-    return text + "</settings>\n";
-}
+using benchfiles::factoryDocument;
+using benchfiles::productName;
 
 void makeFolder(const std::string& folder) {
     if (::mkdir(folder.c_str(), 0700) != 0) {
