@@ -82,16 +82,7 @@ struct Files {
     double heapPerKey = 0;
 
     Files() {
-        char pattern[] = "/tmp/settingscore-loadbench-XXXXXX";
-        if (!::mkdtemp(pattern)) {
-            throw std::runtime_error("mkdtemp failed");
-        }
-        static std::string dir;  // removed at exit with everything in it
-        dir = pattern;
-        std::atexit([] {
-            std::error_code ignored;
-            std::filesystem::remove_all(dir, ignored);
-        });
+        const std::string dir = benchfiles::makeTempRoot("loadbench");
         const std::string factory = dir + "/factory";
         const std::string user = dir + "/user";
         for (const std::string& folder : {factory, user}) {

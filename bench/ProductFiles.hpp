@@ -1,9 +1,31 @@
 // The generated factory files of the benchmarks: a product of `keys` keys.
 #pragma once
 
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
 #include <string>
+#include <system_error>
+
+#include <stdlib.h>
 
 namespace benchfiles {
+
+// A new folder /tmp/settingscore-<tag>-XXXXXX, removed with everything in it at exit. One per
+// program: the benchmarks make theirs once.
+inline std::string makeTempRoot(const std::string& tag) {
+    std::string pattern = "/tmp/settingscore-" + tag + "-XXXXXX";
+    if (!::mkdtemp(pattern.data())) {
+        throw std::runtime_error("mkdtemp failed");
+    }
+    static std::string dir;
+    dir = pattern;
+    std::atexit([] {
+        std::error_code ignored;
+        std::filesystem::remove_all(dir, ignored);
+    });
+    return dir;
+}
 
 inline std::string productName(int keys) {
     return "p" + std::to_string(keys);

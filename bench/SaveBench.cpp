@@ -75,16 +75,7 @@ struct Files {
     std::map<int, Product> products;
 
     Files() {
-        char pattern[] = "/tmp/settingscore-savebench-XXXXXX";
-        if (!::mkdtemp(pattern)) {
-            throw std::runtime_error("mkdtemp failed");
-        }
-        static std::string dir;  // removed at exit with everything in it
-        dir = pattern;
-        std::atexit([] {
-            std::error_code ignored;
-            fs::remove_all(dir, ignored);
-        });
+        const std::string dir = benchfiles::makeTempRoot("savebench");
         const std::string factory = dir + "/factory";
         const std::string user = dir + "/user";
         makeFolder(factory);

@@ -28,19 +28,9 @@ void underExclusiveRootHold(Change&& change) {
 
 }  // namespace
 
-void NodeBuilder::setTypeCode(SettingsImpl& node, int typeCode) {
-    CacheWrite lock(keyCacheMutex());
-    node.typeCode_ = typeCode;
-}
-
 boost::optional<int> NodeBuilder::getTypeCode(const SettingsImpl& node) {
     CacheRead lock(keyCacheMutex());
     return node.typeCode_;
-}
-
-void NodeBuilder::setArraySizeBounds(SettingsImpl& node, const ArraySizeBounds& bounds) {
-    CacheWrite lock(keyCacheMutex());
-    node.arraySizeBounds_ = bounds;
 }
 
 boost::optional<ArraySizeBounds> NodeBuilder::getArraySizeBounds(const SettingsImpl& node) {
@@ -48,19 +38,9 @@ boost::optional<ArraySizeBounds> NodeBuilder::getArraySizeBounds(const SettingsI
     return node.arraySizeBounds_;
 }
 
-void NodeBuilder::setTypeConformer(SettingsImpl& node, TypeConformer conformer) {
-    CacheWrite lock(keyCacheMutex());
-    node.typeConformer_ = conformer;
-}
-
 TypeConformer NodeBuilder::getTypeConformer(const SettingsImpl& node) {
     CacheRead lock(keyCacheMutex());
     return node.typeConformer_;
-}
-
-void NodeBuilder::setValueWriter(SettingsImpl& node, ValueWriter writer) {
-    CacheWrite lock(keyCacheMutex());
-    node.valueWriter_ = writer;
 }
 
 ValueWriter NodeBuilder::getValueWriter(const SettingsImpl& node) {
@@ -138,17 +118,6 @@ void NodeBuilder::setRunTimeDefault(SettingsImpl& node,
 RunTimeDefaultVariant NodeBuilder::getRunTimeDefault(const SettingsImpl& node) {
     SharedLock lock(rootMutex());
     return node.runTimeDefault_;
-}
-
-bool NodeBuilder::hasRunTimeDefault(const SettingsImpl& node) {
-    SharedLock lock(rootMutex());
-    return node.runTimeDefault_.which() != 0;
-}
-
-void NodeBuilder::setStoredValue(SettingsImpl& node, const std::string& level,
-                                 const boost::any& value) {
-    boost::any replaced = value;
-    underExclusiveRootHold([&] { node.values_[level].swap(replaced); });
 }
 
 boost::optional<boost::any> NodeBuilder::getStoredValue(const SettingsImpl& node,

@@ -36,16 +36,10 @@ class NodeBuilder {
 public:
     NodeBuilder() = delete;
 
-    static void setTypeCode(SettingsImpl& node, int typeCode);
+    // The declaration as read back (by the tests of the reader).
     static boost::optional<int> getTypeCode(const SettingsImpl& node);
-
-    static void setArraySizeBounds(SettingsImpl& node, const ArraySizeBounds& bounds);
     static boost::optional<ArraySizeBounds> getArraySizeBounds(const SettingsImpl& node);
-
-    static void setTypeConformer(SettingsImpl& node, TypeConformer conformer);
     static TypeConformer getTypeConformer(const SettingsImpl& node);
-
-    static void setValueWriter(SettingsImpl& node, ValueWriter writer);
     static ValueWriter getValueWriter(const SettingsImpl& node);
 
     static void setMetaData(SettingsImpl& node, const SettingsKeyMetaData<boost::any>& metaData);
@@ -53,7 +47,6 @@ public:
 
     static void setRunTimeDefault(SettingsImpl& node, const RunTimeDefaultVariant& runTimeDefault);
     static RunTimeDefaultVariant getRunTimeDefault(const SettingsImpl& node);
-    static bool hasRunTimeDefault(const SettingsImpl& node);
 
     // --- What the elements of a file settle about their nodes, each in one exclusive hold:
     // a file of many keys pays a few lock operations per key, not one per field. `build` is
@@ -76,9 +69,6 @@ public:
     static void attach(UniqueFromUpgrade* build, SettingsImpl& child,
                        const boost::shared_ptr<SettingsImpl>& parent);
 
-    // Stores `value` (empty or not) as the node's value at `level`, replacing what was there.
-    static void setStoredValue(SettingsImpl& node, const std::string& level,
-                               const boost::any& value);
     // The value stored at `level`; none when the level has no entry at all.
     static boost::optional<boost::any> getStoredValue(const SettingsImpl& node,
                                                       const std::string& level);
