@@ -7,7 +7,9 @@ namespace settings {
 namespace core {
 
 XMLNode::XMLNode(const NodePtr& parent)
-    : parent_(parent), buildLock_(parent ? parent->buildLock_ : nullptr) {}
+    : parent_(parent),
+      buildLock_(parent ? parent->buildLock_ : nullptr),
+      pool_(parent ? parent->pool_ : nullptr) {}
 
 XMLNode::~XMLNode() = default;
 

@@ -10,6 +10,7 @@
 #pragma once
 
 #include <settingscore/core/detail/TreeLock.hpp>
+#include <settingscore/core/xml/detail/ElementPool.hpp>
 
 #include <boost/enable_shared_from_this.hpp>
 #include <boost/make_shared.hpp>
@@ -56,9 +57,14 @@ public:
     NodePtr createChild(const std::string& tag, const xercesc::Attributes& attributes);
     const NodePtr& getParent() const { return parent_; }
 
-    // The factory of class C: C built from (attributes, parent).
+    // The factory of class C: C built from (attributes, parent), in the memory of the parse's
+    // element pool when the parent has one.
     template <class C>
     static NodePtr make(const xercesc::Attributes& attributes, const NodePtr& parent) {
+        if (parent && parent->pool_) {
+            return boost::allocate_shared<C>(detail::PoolAllocator<C>(*parent->pool_), attributes,
+                                             parent);
+        }
         return boost::make_shared<C>(attributes, parent);
     }
 
@@ -85,11 +91,14 @@ protected:
     }
 
 private:
-    friend class SettingsSaxHandler;  // gives the document element its parse's lock
+    friend class SettingsSaxHandler;  // gives the document element its parse's lock and pool
 
     // Keeps the open chain alive: a parent outlives its children's objects.
     const NodePtr parent_;
     detail::UniqueFromUpgrade* buildLock_;
+    // Where the children's objects are made, the parse's (handed down like the lock); null
+    // outside a parse.
+    detail::ElementPool* pool_;
 };
 
 // An element without child elements: every child tag is refused.
