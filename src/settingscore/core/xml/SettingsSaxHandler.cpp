@@ -68,6 +68,7 @@ void SettingsSaxHandler::startElement(const XMLCh* const, const XMLCh* const loc
             }
             created = factory->second(attributes, nullptr);
             created->buildLock_ = &buildLock_.get();
+            created->pool_ = &elementPool_;
         } else {
             created = stack_.back()->createChild(tag, attributes);
         }
@@ -106,7 +107,8 @@ void SettingsSaxHandler::characters(const XMLCh* const chars, const XMLSize_t le
     }
     guarded([&] {
         if (!stack_.empty()) {
-            stack_.back()->setText(detail::toWideText(chars, length));
+            detail::assignWideText(text_, chars, length);
+            stack_.back()->setText(text_);
         }
     });
 }

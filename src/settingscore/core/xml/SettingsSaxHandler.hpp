@@ -6,6 +6,7 @@
 #include <settingscore/core/SettingsFwd.hpp>
 #include <settingscore/core/xml/XMLNode.hpp>
 #include <settingscore/core/xml/detail/BuildLock.hpp>
+#include <settingscore/core/xml/detail/ElementPool.hpp>
 
 #include <boost/shared_ptr.hpp>
 
@@ -82,8 +83,11 @@ public:
 
 private:
     detail::BuildLock buildLock_;
+    // Before the stack: the objects on it are made from the pool and must go first.
+    detail::ElementPool elementPool_;
     std::deque<boost::shared_ptr<XMLNode>> stack_;
     std::size_t textLength_ = 0;  // of the innermost element since its last child or start
+    std::wstring text_;           // the run being handed over; its memory serves every run
     boost::shared_ptr<Settings> result_;
     std::vector<std::wstring> additionalPaths_;
 };

@@ -23,6 +23,17 @@ std::wstring toWideText(const XMLCh* text) {
     return text ? toWideText(text, xercesc::XMLString::stringLen(text)) : std::wstring();
 }
 
+void assignWideText(std::wstring& target, const XMLCh* text, std::size_t length) {
+    const XMLCh* const end = text + (text ? length : 0);
+    for (const XMLCh* unit = text; unit != end; ++unit) {
+        if (*unit >= 0xD800 && *unit <= 0xDFFF) {
+            target = toWideText(text, length);  // pairs to join, or a lone one to replace
+            return;
+        }
+    }
+    target.assign(text, end);  // without surrogates each unit is its own character
+}
+
 std::string toNarrowText(const XMLCh* text) {
     if (!text) {
         return std::string();

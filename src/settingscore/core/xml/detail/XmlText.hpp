@@ -20,6 +20,8 @@ namespace detail {
 // U+FFFD. A null text is empty.
 std::wstring toWideText(const XMLCh* text, std::size_t length);
 std::wstring toWideText(const XMLCh* text);
+// toWideText into `target`, whose memory is reused: for a caller that converts many texts.
+void assignWideText(std::wstring& target, const XMLCh* text, std::size_t length);
 
 // UTF-16 from the parser as narrow UTF-8 text; a null text is empty.
 std::string toNarrowText(const XMLCh* text);

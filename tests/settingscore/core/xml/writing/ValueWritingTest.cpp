@@ -37,8 +37,9 @@ TEST_F(WritingTest, EveryTypeWordWritesItsValueTextAndReadsBackAtEveryLevelAndDe
         boost::any readBack = {};  // when not the value itself
     };
     const Case cases[] = {
-        {as<std::wstring>, std::wstring(L"a]]>b \u00e9\u20ac <&>'\""),
-         element("string", {"<![CDATA[a]]]]><![CDATA[>b \xc3\xa9\xe2\x82\xac <&>'\"]]>"})},
+        {as<std::wstring>, std::wstring(L"a]]>b \u00e9\u20ac \U0001F600 <&>'\""),
+         element("string",
+                 {"<![CDATA[a]]]]><![CDATA[>b \xc3\xa9\xe2\x82\xac \xf0\x9f\x98\x80 <&>'\"]]>"})},
         {as<std::wstring, 0, 0>, std::vector<std::wstring>{L"", L"x]]>]]>"},
          element("string" + unbounded,
                  {"<![CDATA[]]>", "<![CDATA[x]]]]><![CDATA[>]]]]><![CDATA[>]]>"})},
