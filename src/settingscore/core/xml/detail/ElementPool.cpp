@@ -4,8 +4,6 @@ namespace settings {
 namespace core {
 namespace detail {
 
-static_assert(alignof(std::max_align_t) <= 16, "pooled blocks are aligned to 16 bytes");
-
 ElementPool::~ElementPool() {
     for (FreeBlock* list : freeLists_) {
         while (list) {
@@ -25,7 +23,8 @@ void* ElementPool::allocate(std::size_t bytes) {
         freeLists_[index] = block->next;
         return block;
     }
-    return ::operator new(index* granularity);
+    const std::size_t blockBytes = index * granularity;  // the whole class, to serve it again
+    return ::operator new(blockBytes);
 }
 
 void ElementPool::deallocate(void* block, std::size_t bytes) noexcept {

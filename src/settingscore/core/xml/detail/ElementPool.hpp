@@ -58,7 +58,12 @@ public:
     template <class U>
     PoolAllocator(const PoolAllocator<U>& other) noexcept : pool_(other.pool()) {}
 
-    T* allocate(std::size_t count) { return static_cast<T*>(pool_->allocate(count * sizeof(T))); }
+    T* allocate(std::size_t count) {
+        // Blocks come from the global operator new, aligned for any ordinary type.
+        static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__,
+                      "an over-aligned type cannot be made from the pool");
+        return static_cast<T*>(pool_->allocate(count * sizeof(T)));
+    }
     void deallocate(T* block, std::size_t count) noexcept {
         pool_->deallocate(block, count * sizeof(T));
     }
