@@ -19,6 +19,7 @@ set(SETTINGSCORE_INSTALLED_HEADERS
     # settings core: nodes, roots and entry points
     settingscore/core/ArraySizeBounds.hpp
     settingscore/core/FakeSettingsTreeNode.hpp
+    settingscore/core/ProductFileStatus.hpp
     settingscore/core/Settings.hpp
     settingscore/core/SettingsContext.hpp
     settingscore/core/SettingsFwd.hpp

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <settingscore/core/ArraySizeBounds.hpp>
+#include <settingscore/core/ProductFileStatus.hpp>
 #include <settingscore/core/SettingsKeyMetaData.hpp>
 #include <settingscore/core/SettingsTypes.hpp>
 #include <settingscore/core/callouts/CalloutVariants.hpp>
@@ -19,6 +20,7 @@
 #include <boost/shared_ptr.hpp>
 #include <boost/thread/shared_mutex.hpp>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -113,6 +115,19 @@ public:
     void setAny(const std::string& name, const boost::any& value, const std::string& level);
     // Checks one value against direct child key `name` without storing it.
     void validateAny(const std::string& name, const boost::any& value) const;
+
+    // What the files of this node's product showed (ProductFileStatus.hpp): the values held
+    // back from its user file, the copies kept of a user file that could not be read, the
+    // saves that failed. Reads the product first if nobody touched it yet. Empty on the root
+    // and on a standalone node.
+    ProductFileStatus getProductFileStatus() const;
+
+    // Reads again the user file of every loaded product (on the root), or of this node's
+    // product, that changed on disk since this process last read or wrote it, and takes in
+    // what another process changed there: every key value this process did not change since,
+    // with value events, and new nodes with theirs. Saves nothing. The number of values and
+    // nodes changed. Takes the root mutex in upgrade mode.
+    std::size_t reloadChangedFiles();
 
     // The settings file format's constants: the file name suffix ".settings", the XML
     // declaration line, the namespace, and the namespace and schema attributes of a document

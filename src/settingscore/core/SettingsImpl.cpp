@@ -1,7 +1,12 @@
 // SettingsImpl: construction, the plain flag and name getters, validators and identity.
 #include <settingscore/core/SettingsImpl.hpp>
 
+#include <settingscore/core/detail/LockInstantiation.hpp>
+#include <settingscore/core/storage/detail/ProductFileState.hpp>
+
 #include <boost/pointer_cast.hpp>
+
+#include <memory>
 
 #include <shared_mutex>
 
@@ -56,7 +61,36 @@ SettingsImpl::SettingsImpl(const SettingsImpl& other)
     }
 }
 
-SettingsImpl::~SettingsImpl() = default;
+SettingsImpl::~SettingsImpl() {
+    delete fileState_.load(std::memory_order_acquire);
+}
+
+detail::ProductFileState& SettingsImpl::fileState() const {
+    detail::ProductFileState* state = fileState_.load(std::memory_order_acquire);
+    if (state) {
+        return *state;
+    }
+    auto made = std::make_unique<detail::ProductFileState>();
+    if (fileState_.compare_exchange_strong(state, made.get(), std::memory_order_acq_rel)) {
+        return *made.release();
+    }
+    return *state;  // another thread made it first
+}
+
+template <class Lock>
+void SettingsImpl::markChanged(const Lock& lock, const SettingsImpl& node,
+                               const std::string& level) {
+    const auto product = node.productNodeOf(lock);
+    if (!product || !product->isProductNode(lock)) {
+        return;
+    }
+    product->fileState().markChanged(level, node.getFullName(lock));
+}
+
+#define SETTINGSCORE_INSTANTIATE_MARK_CHANGED(Lock) \
+    template void SettingsImpl::markChanged(const Lock&, const SettingsImpl&, const std::string&);
+SETTINGSCORE_FOR_EACH_TREE_LOCK(SETTINGSCORE_INSTANTIATE_MARK_CHANGED)
+#undef SETTINGSCORE_INSTANTIATE_MARK_CHANGED
 
 std::string SettingsImpl::getName() const {
     return name_;
@@ -75,6 +109,7 @@ bool SettingsImpl::isRootImpl() const {
 }
 
 bool SettingsImpl::isVisible() const {
+    ensureLoaded();  // an untouched product answers from its files
     detail::SharedLock lock(detail::rootMutex());
     return visible_.value_or(false);
 }

@@ -35,6 +35,9 @@ class SettingsImplRoot;
 
 namespace detail {
 class NodeBuilder;
+class FileTakeIn;
+class ProductFileState;
+struct MergePolicy;
 // --- Added for the settings file writer (SettingsImplWriting.cpp, xml/ValueWriters.cpp) ---
 class NodeWriter;
 // --- end of the writer's block ---
@@ -194,13 +197,31 @@ public:
 
     // --- Merging (internal forms) ---
 
-    // Merges `other` (a standalone tree) into this node at `levelName`, as a settings file or a
-    // mergeWith does. REQUIRES an upgrade hold of the mutex that guards this tree.
+    // Merges `other` (a standalone tree) into this node at `levelName`, as the policy says
+    // (detail/MergePolicy.hpp): the one merge of files, mergeWith and files taken in again.
+    // REQUIRES an upgrade hold of the mutex that guards both trees.
     void mergeNode(detail::UpgradeLock& lock, const boost::shared_ptr<SettingsImpl>& other,
-                   const std::string& levelName, bool takeDefinition, bool compareNames);
-    // A standalone copy of this subtree with every level's values.
+                   const std::string& levelName, bool takeDefinition, bool compareNames,
+                   const detail::MergePolicy& policy);
+    // A copy of `original` to merge into without changing it: the node's own fields and
+    // values, and its children shared with the original (a copy-on-write merge copies each
+    // before it changes it). REQUIRES an upgrade hold of the mutex guarding `original`.
+    static boost::shared_ptr<SettingsImpl> copyForMerge(detail::UpgradeLock& lock,
+                                                        const SettingsImpl& original);
+    // After a copy-on-write merge into `copy` that is kept: the children still shared with the
+    // original are made the copy's own (their parent becomes the copy). The original is spent.
+    static void claimSharedChildren(detail::UpgradeLock& lock,
+                                    const boost::shared_ptr<SettingsImpl>& copy);
+
+    // Records that this process changed `node` (a key, or the top of a subtree added or
+    // removed) at `level`: in its product's file state the change then wins over what another
+    // process saves, and what was held back there is dropped. Nothing off a product.
     template <class Lock>
-    boost::shared_ptr<SettingsImpl> deepCopySubtree(const Lock& lock) const;
+    static void markChanged(const Lock& lock, const SettingsImpl& node, const std::string& level);
+
+    // The state of this product node's files (storage/detail/ProductFileState.hpp), made on
+    // first use; every node can have one, only product nodes use it.
+    detail::ProductFileState& fileState() const;
 
     // --- Writing a node as settings file text (internal forms) ---
 
@@ -238,25 +259,37 @@ public:
 protected:
     // The file reader builds standalone nodes field by field.
     friend class detail::NodeBuilder;
+    // Taking in a file that another process saved reads and changes values and nodes.
+    friend class detail::FileTakeIn;
     // --- Added for the settings file writer: the node walk behind writeSettings and the value
     // writers read the fields they write through it (xml/detail/NodeWriter.hpp). ---
     friend class detail::NodeWriter;
     // --- end of the writer's block ---
 
+    // `nameIgnoresCase` for the top of a product's file, which may spell the product otherwise.
     template <class Lock>
     void checkNodeAttributes(const Lock& lock, const SettingsImpl& other, bool compareNames,
-                             bool isFactoryLevel, bool takeDefinition);
+                             bool isFactoryLevel, bool takeDefinition,
+                             bool nameIgnoresCase = false);
     template <class Lock>
     void copyDefinitionFrom(const Lock& lock, const SettingsImpl& other);
     void mergeChildren(detail::UpgradeLock& lock, const boost::shared_ptr<SettingsImpl>& other,
-                       const std::string& levelName, bool compareNames);
+                       const std::string& levelName, bool compareNames,
+                       const detail::MergePolicy& policy);
     void mergeKey(detail::UpgradeLock& lock, const boost::shared_ptr<SettingsImpl>& other,
-                  const std::string& levelName, bool compareNames);
-    // The live half of mergeWith: no checks, the exclusive hold throughout.
-    // `merged` is the dry run's copy of this node after the merge: new nodes and conformed
-    // values come from it, the structure to walk from `other`.
-    void mergeLive(const detail::UniqueFromUpgrade& lock, const SettingsImpl& merged,
-                   const SettingsImpl& other, const std::string& levelName);
+                  const std::string& levelName, const detail::MergePolicy& policy);
+    void claimChildren(const detail::UniqueFromUpgrade& lock);
+    void takeOverAtLevel(const detail::UniqueFromUpgrade& lock, const std::string& level);
+    // What mergeWith's dry run decided, applied to the live tree.
+    struct MergeOutcome {
+        std::vector<boost::shared_ptr<SettingsImpl>> mergedKeys;  // a value merged at the level
+        std::vector<boost::shared_ptr<SettingsImpl>> addedNodes;  // new below their parents
+    };
+    // Takes into this node what the dry run merged into `merged`, its copy-on-write copy,
+    // walking `other`, the source: values and run-time defaults of keys, new nodes as made.
+    void applyMerged(const detail::UniqueFromUpgrade& lock, const SettingsImpl& merged,
+                     const SettingsImpl& other, const std::string& levelName,
+                     MergeOutcome& outcome);
     // Fills the type caches still absent from `value`. REQUIRES detail::keyCacheMutex().
     void deduceTypeFromValue(const boost::any& value) const;
 
@@ -291,6 +324,8 @@ protected:
     const hostsvc::msg_svc::exchange::IDType nodeId_;
     RunTimeDefaultVariant runTimeDefault_;
     mutable boost::optional<int> typeCode_;
+    // Made on first use by fileState(), deleted with the node.
+    mutable std::atomic<detail::ProductFileState*> fileState_{nullptr};
 };
 
 }  // namespace core

@@ -174,6 +174,7 @@ bool SettingsImpl::isProductNode() const {
 }
 
 bool SettingsImpl::isReadOnly() const {
+    ensureLoaded();  // an untouched product answers from its files
     detail::SharedLock lock(detail::rootMutex());
     return isReadOnly(lock);
 }
@@ -189,8 +190,14 @@ InstanceID SettingsImpl::getInstanceId() const {
 }
 
 boost::optional<unsigned> SettingsImpl::getProductVersion() const {
+    boost::shared_ptr<SettingsImpl> product;
+    {
+        detail::SharedLock lock(detail::rootMutex());
+        product = productNodeOf(lock);
+    }
+    product->ensureLoaded();  // an untouched product answers from its files
     detail::SharedLock lock(detail::rootMutex());
-    return productNodeOf(lock)->version_;
+    return product->version_;
 }
 
 boost::optional<int> SettingsImpl::getKeyType(const std::string& name) const {

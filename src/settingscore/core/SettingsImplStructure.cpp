@@ -2,19 +2,18 @@
 // detaching a child, and the levels whose files such a change has to rewrite.
 //
 // Locks: the checks run under the root mutex in upgrade mode, the map change under a short
-// exclusive hold taken from that upgrade, the saves afterwards under a shared hold. Nothing
-// changes before every check has passed.
+// exclusive hold taken from that upgrade, the saves afterwards under the same upgrade hold.
+// Nothing changes before every check has passed.
 #include <settingscore/core/SettingsImpl.hpp>
 
 #include <settingscore/core/SettingsImplRoot.hpp>
-#include <settingscore/core/detail/FileLayerHooks.hpp>
 #include <settingscore/core/detail/LockInstantiation.hpp>
 #include <settingscore/core/events/detail/EventPublishing.hpp>
 #include <settingscore/core/exception/ExportAndMergeExceptions.hpp>
 #include <settingscore/core/exception/TreeExceptions.hpp>
 #include <settingscore/core/storage/LevelDirectories.hpp>
 #include <settingscore/core/storage/SettingsLevelManager.hpp>
-#include <settingscore/core/storage/detail/SaveFileOperations.hpp>
+#include <settingscore/core/storage/detail/SaveSequence.hpp>
 
 #include <platform/hf/filesystem/Operations.hpp>
 
@@ -36,23 +35,6 @@ std::string joinLevelNames(const std::vector<const SettingsLevel*>& levels) {
         joined += level->levelName();
     }
     return joined;
-}
-
-// A removed product takes its files with it, at each level that held them: the files the
-// saves wrote, in the instance's folder of each level. Nothing is deleted while saving is off.
-void deleteProductFiles(const std::string& productName,
-                        const std::vector<const SettingsLevel*>& levels,
-                        const boost::shared_ptr<SettingsImplRoot>& root) {
-    if (!detail::isSettingsSavingOn()) {
-        return;
-    }
-    for (const auto* level : levels) {
-        const std::wstring dir = resolveLevelDirectory(*level, root);
-        if (!dir.empty()) {
-            hf::filesystem::remove(hf::filesystem::upath(dir) /
-                                   hf::filesystem::upath(productName + settingsFileExtension));
-        }
-    }
 }
 
 }  // namespace
@@ -165,7 +147,7 @@ void SettingsImpl::attachToParent(Lock& lock, const boost::shared_ptr<SettingsIm
     // Hanging a node below itself would make a ring that nothing could free or walk.
     for (auto ancestor = parent; ancestor; ancestor = ancestor->getParentImpl(lock)) {
         if (ancestor.get() == this) {
-            throw exception::ErrorMergingWithCircularReference(shared_from_this(), parent);
+            throw exception::CannotAttachNodeBelowItself(shared_from_this(), parent);
         }
     }
     if (parent->isOnTree() && parent->isReadOnly(lock)) {
@@ -204,15 +186,16 @@ void SettingsImpl::setParent(const boost::shared_ptr<Settings>& parent) {
         return;
     }
     parentImpl->ensureLoaded();
-    {
-        detail::UpgradeLock lock(detail::rootMutex());
-        attachToParent(lock, parentImpl, true);
-        detail::publishNodeAdded(lock, *parentImpl, *this);
-    }
-    detail::SharedLock lock(detail::rootMutex());
+    detail::UpgradeLock lock(detail::rootMutex());
+    attachToParent(lock, parentImpl, true);
+    detail::publishNodeAdded(lock, *parentImpl, *this);
     if (isOnTree()) {
-        for (const auto* level : fileLevelsOf(lock, false)) {
-            levelSaver(level, shared_from_this(), lock);
+        const std::vector<const SettingsLevel*> levels = fileLevelsOf(lock, false);
+        for (const auto* level : levels) {
+            markChanged(lock, *this, level->levelName());
+        }
+        for (const auto* level : levels) {
+            detail::saveSettingsAtLevel(lock, level, *this);
         }
     }
 }
@@ -251,44 +234,43 @@ void SettingsImpl::removeKey(const std::string& name) {
 
 void SettingsImpl::detachChild(const boost::shared_ptr<SettingsImpl>& child) {
     const bool onTree = isOnTree();
-    bool wasProduct = false;
+    detail::UpgradeLock lock(detail::rootMutex());
+    if (onTree && isReadOnly(lock)) {
+        throw exception::CannotAddRemoveNodeUnderReadOnlyParent(shared_from_this(), child);
+    }
+    const bool wasProduct = child->isProductNode(lock);
     std::vector<const SettingsLevel*> levels;
-    {
-        detail::SharedLock lock(detail::rootMutex());
-        if (onTree && isReadOnly(lock)) {
-            throw exception::CannotAddRemoveNodeUnderReadOnlyParent(shared_from_this(), child);
-        }
-        wasProduct = child->isProductNode(lock);
-        if (onTree) {
-            // The one check that can refuse: every level to be rewritten must be modifiable.
-            levels = child->fileLevelsOf(lock, true);
+    if (onTree) {
+        // The one check that can refuse: every level to be rewritten must be modifiable.
+        levels = child->fileLevelsOf(lock, true);
+    }
+    const auto found = children_.find(child->name_);
+    if (found == children_.end() || found->second != child) {
+        // Another thread detached it first: its removal did the saving.
+        return;
+    }
+    if (onTree && !wasProduct) {
+        // Marked while the child still hangs here: its name is its path in the file.
+        for (const auto* level : levels) {
+            markChanged(lock, *child, level->levelName());
         }
     }
     {
-        detail::UpgradeLock lock(detail::rootMutex());
-        const auto found = children_.find(child->name_);
-        if (found == children_.end() || found->second != child) {
-            // Another thread detached it first: its removal did the saving.
-            return;
-        }
-        {
-            detail::UniqueFromUpgrade exclusive(lock);
-            children_.erase(found);
-            child->parent_.reset();
-        }
-        detail::publishNodeRemoved(lock, *this, *child);
+        detail::UniqueFromUpgrade exclusive(lock);
+        children_.erase(found);
+        child->parent_.reset();
     }
+    detail::publishNodeRemoved(lock, *this, *child);
     if (!onTree) {
         return;
     }
     if (wasProduct) {
-        deleteProductFiles(child->name_, levels,
-                           boost::static_pointer_cast<SettingsImplRoot>(shared_from_this()));
+        detail::deleteProductFiles(
+            *child, boost::static_pointer_cast<SettingsImplRoot>(shared_from_this()), levels);
         return;
     }
-    detail::SharedLock lock(detail::rootMutex());
     for (const auto* level : levels) {
-        levelSaver(level, shared_from_this(), lock);
+        detail::saveSettingsAtLevel(lock, level, *this);
     }
 }
 

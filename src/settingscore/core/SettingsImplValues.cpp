@@ -2,17 +2,17 @@
 // level's run-time default standing in for a missing stored value there; writes validate every
 // pair first and store only when all passed; clears erase one level.
 //
-// Locks: reads take the root mutex shared. setValues and validateValues hold it in upgrade mode
-// for their passes; each map change runs under a short exclusive hold from that upgrade, and the
-// save of each changed key under a shared hold taken beside it. removeValue holds upgrade for
-// the clear, then releases it and saves under shared.
+// Locks: reads take the root mutex shared. setValues, validateValues and removeValue hold it in
+// upgrade mode throughout, the saves included; each map change runs under a short exclusive
+// hold from that upgrade.
 #include <settingscore/core/SettingsImpl.hpp>
 
-#include <settingscore/core/detail/FileLayerHooks.hpp>
 #include <settingscore/core/detail/LockInstantiation.hpp>
 #include <settingscore/core/events/detail/EventPublishing.hpp>
 #include <settingscore/core/exception/Exceptions.hpp>
 #include <settingscore/core/storage/SettingsLevelManager.hpp>
+#include <settingscore/core/storage/detail/ProductFileState.hpp>
+#include <settingscore/core/storage/detail/SaveSequence.hpp>
 #include <settingscore/treestore/boostany/BoostAny.hpp>
 
 #include <platform/hf/i18n/Conversion.hpp>
@@ -280,8 +280,8 @@ FailureList SettingsImpl::setValues(const KeyValuePair* first, const KeyValuePai
         if (changed && key->isOnTree()) {
             // Each changed key is saved on its own, right after its store; a failing save ends
             // the batch with the pairs before it stored and saved.
-            detail::SharedLock shared(detail::rootMutex());
-            levelSaver(levelObject, key, shared);
+            markChanged(lock, *key, level);
+            detail::saveSettingsAtLevel(lock, levelObject, *key);
         }
     }
     return failures;
@@ -291,25 +291,34 @@ void SettingsImpl::removeValue(const std::string& name, const std::string& level
     ensureLoaded();
     checkLevelKnown(level);
     checkLevelModifiable(level);
-    {
-        detail::UpgradeLock lock(detail::rootMutex());
-        const auto key = findChild(lock, name);
-        if (!key) {
-            throw exception::NoSuchKey(shared_from_this(), name);
-        }
-        // The group's state counts here: a read-only key under a writable group can be cleared.
-        if (isOnTree() && isReadOnly(lock)) {
-            throw exception::CannotAddRemoveNodeUnderReadOnlyParent(shared_from_this(), key);
-        }
-        if (!key->isKey_) {
-            throw exception::NotAKeyName(shared_from_this(), name);
-        }
+    detail::UpgradeLock lock(detail::rootMutex());
+    const auto key = findChild(lock, name);
+    if (!key) {
+        throw exception::NoSuchKey(shared_from_this(), name);
+    }
+    // The group's state counts here: a read-only key under a writable group can be cleared.
+    if (isOnTree() && isReadOnly(lock)) {
+        throw exception::CannotAddRemoveNodeUnderReadOnlyParent(shared_from_this(), key);
+    }
+    if (!key->isKey_) {
+        throw exception::NotAKeyName(shared_from_this(), name);
+    }
+    if (!isOnTree()) {
+        key->clearLevelValue(lock, level);
+        return;
+    }
+    // A value held back from the file counts as the level's value here: resetting drops it.
+    const auto product = productNodeOf(lock);
+    const std::string path = key->getFullName(lock);
+    const bool heldBack = key->values_.count(level) == 0 &&
+                          product->fileState().access(level, [&](detail::LevelFile& file) {
+                              return file.heldBack.count(path) != 0;
+                          });
+    if (!heldBack) {
         key->clearLevelValue(lock, level);
     }
-    detail::SharedLock lock(detail::rootMutex());
-    if (isOnTree()) {
-        levelSaver(levels().getSettingsLevelByName(level), shared_from_this(), lock);
-    }
+    markChanged(lock, *key, level);
+    detail::saveSettingsAtLevel(lock, levels().getSettingsLevelByName(level), *this);
 }
 
 }  // namespace core

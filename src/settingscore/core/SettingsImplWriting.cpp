@@ -68,7 +68,8 @@ bool WriteContext::markClosed(const SettingsImpl* node) {
 }
 
 void NodeWriter::writeDocument(const ReadAccess& lock, const SettingsImpl& node,
-                               const std::string& level, std::string& out) {
+                               const std::string& level, std::string& out,
+                               const HeldBackMap* heldBack) {
     requireTreeLock(lock);
     // No level means the effective stored values, as an export writes them.
     if (!level.empty()) {
@@ -80,6 +81,10 @@ void NodeWriter::writeDocument(const ReadAccess& lock, const SettingsImpl& node,
         ++depth;
     }
     WriteContext context(out, level);
+    if (heldBack && !heldBack->empty()) {
+        context.heldBack = heldBack;
+        context.path = node.getFullName(lock);
+    }
     writeTree(lock, node, context, depth);
     closeAncestors(lock, node, context, depth - 1);
 }
@@ -122,18 +127,29 @@ void NodeWriter::writeBody(const ReadAccess& lock, const SettingsImpl& node, Wri
         // Keys first, then groups, each in the children's (byte) name order.
         for (const bool keys : {true, false}) {
             for (const auto& child : node.children_) {
-                const SettingsImpl& impl = *child.second;
-                if (impl.isKey_ != keys) {
+                if (child.second->isKey_ != keys) {
                     continue;
+                }
+                const SettingsImpl* impl = child.second.get();
+                const std::string::size_type pathLength = context.path.size();
+                if (context.heldBack) {
+                    context.path += '.';
+                    context.path += child.first;
+                    const auto held = context.heldBack->find(context.path);
+                    if (held != context.heldBack->end() &&
+                        holdsNothingAt(lock, *impl, context.level)) {
+                        impl = held->second.fileNode.get();  // the file's own, as it was read
+                    }
                 }
                 for (const auto& validator : repeated) {
                     writeFunctionElement(context.out, validator.second, "validationfunc",
                                          *validator.first);
                 }
-                if (context.markOpen(&impl)) {
-                    writeOpenTag(lock, impl, context, depth + 1, false);
+                if (context.markOpen(impl)) {
+                    writeOpenTag(lock, *impl, context, depth + 1, false);
                 }
-                writeBody(lock, impl, context, depth + 1, repeated);
+                writeBody(lock, *impl, context, depth + 1, repeated);
+                context.path.resize(pathLength);
             }
         }
         if (pushed) {
@@ -260,6 +276,20 @@ bool NodeWriter::isHeldAfter(const ReadAccess& lock, const SettingsImpl& key,
         }
     }
     return false;
+}
+
+bool NodeWriter::holdsNothingAt(const ReadAccess& lock, const SettingsImpl& node,
+                                const std::string& level) {
+    if (node.isKey_) {
+        const auto belonging = belongingLevelOf(node.runTimeDefault_);
+        return node.values_.count(level) == 0 && (!belonging || *belonging != level);
+    }
+    for (const auto& child : node.children_) {
+        if (!holdsNothingAt(lock, *child.second, level)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 ValueWriter NodeWriter::valueWriterOf(const SettingsImpl& key) {

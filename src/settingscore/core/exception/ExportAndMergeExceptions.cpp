@@ -6,6 +6,8 @@ namespace exception {
 
 CannotExportSettingsRoot::~CannotExportSettingsRoot() = default;
 CannotExportStandaloneSettings::~CannotExportStandaloneSettings() = default;
+NoNodeSelectedForExport::NoNodeSelectedForExport() = default;
+NoNodeSelectedForExport::~NoNodeSelectedForExport() = default;
 
 ErrorExportMultipleNodesBelongsToDiffProducts::ErrorExportMultipleNodesBelongsToDiffProducts(
     const std::string& product1Name, const std::string& product2Name)

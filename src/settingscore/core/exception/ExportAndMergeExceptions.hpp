@@ -30,6 +30,14 @@ public:
     ~CannotExportStandaloneSettings() override;
 };
 
+class NoNodeSelectedForExport
+    : public detail::CatalogException<NoNodeSelectedForExport, InternalException> {
+public:
+    static constexpr char whatText[] = "No settings node was selected to export.";
+    NoNodeSelectedForExport();
+    ~NoNodeSelectedForExport() override;
+};
+
 class ErrorExportMultipleNodesBelongsToDiffProducts
     : public detail::CatalogException<ErrorExportMultipleNodesBelongsToDiffProducts,
                                       InternalException> {

@@ -23,6 +23,17 @@ const ConstSettingsPtr& CannotAddRemoveNodeUnderReadOnlyParent::getParentObject(
     return parentObject_;
 }
 
+CannotAttachNodeBelowItself::CannotAttachNodeBelowItself(const ConstSettingsPtr& childObject,
+                                                         const ConstSettingsPtr& parentObject)
+    : childObject_(childObject), parentObject_(parentObject) {}
+CannotAttachNodeBelowItself::~CannotAttachNodeBelowItself() = default;
+const ConstSettingsPtr& CannotAttachNodeBelowItself::getChildObject() const {
+    return childObject_;
+}
+const ConstSettingsPtr& CannotAttachNodeBelowItself::getParentObject() const {
+    return parentObject_;
+}
+
 ErrorAddingChildNodeOrKey::ErrorAddingChildNodeOrKey(const ConstSettingsPtr& objectInvolved,
                                                      const std::string& existingNodeKeyName)
     : objectInvolved_(objectInvolved), existingNodeKeyName_(existingNodeKeyName) {}

@@ -49,6 +49,24 @@ private:
     ConstSettingsPtr childObject_;
 };
 
+// The node to attach, then the parent asked for, which is that node or lies below it.
+class CannotAttachNodeBelowItself
+    : public detail::CatalogException<CannotAttachNodeBelowItself, InternalException> {
+public:
+    static constexpr char whatText[] =
+        "A node cannot be attached below itself or below one of its own descendants.";
+    CannotAttachNodeBelowItself(const ConstSettingsPtr& childObject,
+                                const ConstSettingsPtr& parentObject);
+    ~CannotAttachNodeBelowItself() override;
+
+    const ConstSettingsPtr& getChildObject() const;
+    const ConstSettingsPtr& getParentObject() const;
+
+private:
+    ConstSettingsPtr childObject_;
+    ConstSettingsPtr parentObject_;
+};
+
 class ErrorAddingChildNodeOrKey
     : public detail::CatalogException<ErrorAddingChildNodeOrKey, InternalException> {
 public:

@@ -5,12 +5,17 @@
 #include <settingscore/core/storage/SettingsLevel.hpp>
 #include <settingscore/core/storage/SettingsLevelManager.hpp>
 
-#include <platform/hf/filesystem/DirectoryIterator.hpp>
+#include <settingscore/core/storage/detail/LevelFiles.hpp>
+
+#include <platform/hf/filesystem/FileSystem.hpp>
 #include <platform/hf/filesystem/FilesystemError.hpp>
 #include <platform/hf/filesystem/Operations.hpp>
 #include <platform/hf/filesystem/Path.hpp>
 #include <platform/hf/i18n/Conversion.hpp>
 
+#include <filesystem>
+#include <map>
+#include <mutex>
 #include <set>
 #include <stdexcept>
 
@@ -27,26 +32,26 @@ const char factoryFolderProduct[] = "swarmtools";
 const char factoryFolderName[] = "gridpool";
 
 // A regular file (links followed) whose extension, from the last '.', is exactly ".settings".
-bool isSettingsFile(const fs::directory_entry& entry) {
-    return fs::is_regular_file(entry.status()) &&
-           entry.path().extension().string() == settingsFileExtension;
+bool isSettingsFile(const fs::FolderEntry& entry) {
+    return entry.type == fs::file_type::regular &&
+           fs::upath(entry.name).extension().string() == settingsFileExtension;
 }
 
-bool isAsciiAlpha(wchar_t c) {
-    return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z');
+bool isAsciiAlpha(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-bool isAsciiAlnumOrUnderscore(wchar_t c) {
-    return isAsciiAlpha(c) || (c >= L'0' && c <= L'9') || c == L'_';
+bool isAsciiAlnumOrUnderscore(char c) {
+    return isAsciiAlpha(c) || (c >= '0' && c <= '9') || c == '_';
 }
 
 // A factory product folder: a name of ASCII letters, digits and "_" that begins with a
 // letter, holding at least one settings file.
-bool isProductDirectory(const fs::directory_entry& entry) {
-    if (!fs::is_directory(entry.status())) {
+bool isProductDirectory(fs::FileSystem& files, const fs::upath& dir, const fs::FolderEntry& entry) {
+    if (entry.type != fs::file_type::directory) {
         return false;
     }
-    const std::wstring name = entry.path().filename().wstring();
+    const std::string& name = entry.name;
     if (!isAsciiAlpha(name.at(0))) {  // an empty name is an out of range failure
         return false;
     }
@@ -55,7 +60,7 @@ bool isProductDirectory(const fs::directory_entry& entry) {
             return false;
         }
     }
-    for (const fs::directory_entry& inner : fs::directory_iterator(entry.path())) {
+    for (const fs::FolderEntry& inner : files.listFolder(dir / fs::upath(name))) {
         if (isSettingsFile(inner)) {
             return true;
         }
@@ -65,13 +70,12 @@ bool isProductDirectory(const fs::directory_entry& entry) {
 
 // The file or folder name cut at its last '.'; "gridpool" is read back as "swarmtools", at
 // every level.
-std::string productNameOf(const fs::directory_entry& entry) {
-    std::wstring name = entry.path().filename().wstring();
-    const std::wstring::size_type dot = name.rfind(L'.');
-    if (dot != std::wstring::npos) {
-        name.erase(dot);
+std::string productNameOf(const fs::FolderEntry& entry) {
+    std::string product = entry.name;
+    const std::string::size_type dot = product.rfind('.');
+    if (dot != std::string::npos) {
+        product.erase(dot);
     }
-    const std::string product = hf::i18n::to_string(name);
     return product == factoryFolderName ? factoryFolderProduct : product;
 }
 
@@ -81,12 +85,33 @@ struct CaseInsensitiveLess {
     }
 };
 
+// A folder named by an environment variable, made absolute against the working directory of
+// the first time that text was read: a later change of the working directory must not move the
+// files, nor make the reader and the saver disagree on where they are.
+std::wstring absoluteOnce(const std::wstring& folder) {
+    if (folder.empty() || fs::is_absolute(fs::upath(folder))) {
+        return folder;
+    }
+    static std::mutex mutex;
+    static std::map<std::wstring, std::wstring> made;
+    std::lock_guard<std::mutex> guard(mutex);
+    auto found = made.find(folder);
+    if (found == made.end()) {
+        std::error_code failed;
+        const std::filesystem::path here = std::filesystem::current_path(failed);
+        found =
+            made.emplace(folder, failed ? folder : (fs::upath(here) / fs::upath(folder)).wstring())
+                .first;
+    }
+    return found->second;
+}
+
 }  // namespace
 
 std::wstring factoryLevelRootPath() {
     const std::wstring fromEnvironment = hf::i18n::getenv(L"SETTINGS_FACTORYDIR");
     if (!fromEnvironment.empty()) {
-        return fromEnvironment;
+        return absoluteOnce(fromEnvironment);
     }
     return (hf::filesystem::upath(tolvanRootUStr()) / hf::filesystem::upath(L"toolbox")).wstring();
 }
@@ -94,7 +119,7 @@ std::wstring factoryLevelRootPath() {
 std::wstring userLevelRootPath() {
     const std::wstring fromEnvironment = hf::i18n::getenv(L"SETTINGS_USERDIR");
     if (!fromEnvironment.empty()) {
-        return fromEnvironment;
+        return absoluteOnce(fromEnvironment);
     }
     return getPreferencesDirectoryUStr(true);
 }
@@ -125,42 +150,43 @@ std::vector<std::wstring> productSettingsFilesAtLevel(
     const std::string& productName, const SettingsLevel& level,
     const boost::shared_ptr<SettingsImplRoot>& root) {
     const std::wstring dir = resolveLevelDirectory(level, root);
-    std::vector<std::wstring> files;
-    // Without a directory there is nothing to list, at the factory level too: joining the
-    // product to an empty directory would list a folder relative to the working directory.
-    if (dir.empty()) {
-        return files;
-    }
+    fs::FileSystem& files = fs::FileSystem::current();
+    std::vector<std::wstring> found;
     if (level.isFactoryLevel()) {
-        const std::string folder =
+        const std::string folderName =
             productName == factoryFolderProduct ? factoryFolderName : productName;
+        const fs::upath folder = fs::upath(dir) / fs::upath(folderName);
         try {
-            for (const fs::directory_entry& entry :
-                 fs::directory_iterator(fs::upath(dir) / fs::upath(folder))) {
+            for (const fs::FolderEntry& entry : files.listFolder(folder)) {
                 if (isSettingsFile(entry)) {
-                    files.push_back(entry.path().wstring());
+                    found.push_back((folder / fs::upath(entry.name)).wstring());
                 }
             }
         } catch (const fs::FsysExceptionBase&) {
             // A product without a folder, or one that cannot be read: what was found so far.
         }
-        return files;
+        return found;
     }
-    const fs::upath candidate = fs::upath(dir) / fs::upath(productName + settingsFileExtension);
-    if (fs::exists(candidate)) {
-        files.push_back(candidate.wstring());
+    if (dir.empty()) {
+        return found;
     }
-    return files;
+    // The user's file follows the rule products are told apart by: case does not count.
+    if (const auto name = detail::findProductFile(files, fs::upath(dir), productName)) {
+        found.push_back((fs::upath(dir) / fs::upath(*name)).wstring());
+    }
+    return found;
 }
 
 std::vector<std::string> productNamesAtLevel(const SettingsLevel& level,
                                              const boost::shared_ptr<SettingsImplRoot>& root) {
     const std::wstring dir = resolveLevelDirectory(level, root);
+    fs::FileSystem& files = fs::FileSystem::current();
     std::vector<std::string> names;
     try {
-        for (const fs::directory_entry& entry : fs::directory_iterator(dir)) {
-            const bool isProduct =
-                level.isFactoryLevel() ? isProductDirectory(entry) : isSettingsFile(entry);
+        for (const fs::FolderEntry& entry : files.listFolder(fs::upath(dir))) {
+            const bool isProduct = level.isFactoryLevel()
+                                       ? isProductDirectory(files, fs::upath(dir), entry)
+                                       : isSettingsFile(entry);
             if (isProduct) {
                 names.push_back(productNameOf(entry));
             }

@@ -10,6 +10,10 @@
 #include <settingscore/core/storage/detail/PreferencesDirectoryDetail.hpp>
 
 #include <platform/hlu/hlu.h>
+#include <settingscore/core/storage/SettingsSaving.hpp>
+
+#include <platform/hf/filesystem/FileSystem.hpp>
+#include <platform/hf/filesystem/FilesystemError.hpp>
 #include <platform/hf/filesystem/InstallPath.hpp>
 #include <platform/hf/filesystem/Operations.hpp>
 #include <platform/hf/i18n/Conversion.hpp>
@@ -69,7 +73,7 @@ std::wstring applicationDataFolder(const wchar_t* variable, const wchar_t* homeR
     // the outcome. A folder that cannot be made still gives its path, so that the failure
     // shows with that path when the preference directory below it is created.
     try {
-        fs::create_directories(folder);
+        fs::makeFolders(fs::FileSystem::current(), folder, false);
     } catch (...) {
     }
     return folder.wstring();
@@ -106,13 +110,12 @@ void migrateAndStamp(const std::wstring& dir) {
             widen(previousReleaseName), widen(currentReleaseName));
     }
     const fs::upath timestamp = fs::upath(dir) / fs::upath(getTimestampFileNameUStr());
-    std::FILE* file = fs::fopen(timestamp, "w");
-    if (!file) {
-        const int error = errno;
+    try {
+        fs::FileSystem::current().writeFile(timestamp, std::string(), false);
+    } catch (const fs::FsysExceptionBase& e) {
         throw makeMessageException<TOLVAN::settings::core::ErrorCreatePreferenceDirectoryTimeStamp>(
-            timestamp.wstring(), std::strerror(error));
+            timestamp.wstring(), e.code().message());
     }
-    std::fclose(file);
 }
 
 }  // namespace
@@ -127,13 +130,25 @@ int createPreferencesDirectory(const std::wstring& dir) {
     if (dir.empty()) {
         return prefDirNotCreated;
     }
-    // create_directories tells an existing folder by FileExistsError, never by a quiet return;
-    // the three-way answer rests on that.
+    // The folder itself is made by one call of its own, whose FileExistsError tells "was
+    // there" exactly, even when processes race for it: only one of them migrates. With durable
+    // saving every folder made is synced into its parent, so that a power cut cannot lose it
+    // with the files later saved into it.
+    fs::FileSystem& files = fs::FileSystem::current();
+    const fs::upath folder(stripFinalPathNameSepUStr(dir));
     try {
-        fs::create_directories(dir);
+        if (files.examine(folder).type == fs::file_type::directory) {
+            return prefDirExisted;
+        }
+        fs::makeFolders(files, folder.parent_path(), isDurableSaving());
+        files.makeFolder(folder);
+        if (isDurableSaving()) {
+            files.syncFolder(folder.parent_path());
+        }
         return prefDirCreatedNow;
     } catch (const fs::FileExistsError&) {
-        return prefDirExisted;
+        return files.examine(folder).type == fs::file_type::directory ? prefDirExisted
+                                                                      : prefDirNotCreated;
     } catch (...) {
         return prefDirNotCreated;
     }

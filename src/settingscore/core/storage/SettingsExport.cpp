@@ -1,5 +1,6 @@
 // Export of selected nodes to a file of the caller's choosing, and factory files made from
-// standalone trees. Both write straight to the destination: no temporary file, no replace.
+// standalone trees. Both write straight to the destination, through the file system in force:
+// no temporary file, no replace.
 //
 // Locks: exportSettings holds the root mutex shared from the first shadow to the end of the
 // write, so the file is one consistent snapshot. createFactorySettingsFile takes it exclusively
@@ -11,11 +12,10 @@
 #include <settingscore/core/exception/Exceptions.hpp>
 #include <settingscore/core/xml/detail/NodeWriter.hpp>
 
+#include <platform/hf/filesystem/FileSystem.hpp>
+#include <platform/hf/filesystem/FilesystemError.hpp>
 #include <platform/hf/filesystem/Operations.hpp>
 #include <platform/hf/filesystem/Path.hpp>
-
-#include <fstream>
-#include <stdexcept>
 
 namespace settings {
 namespace core {
@@ -78,10 +78,15 @@ void writeShadow(const detail::SharedLock& lock, const FakeSettingsTreeNode& sha
     detail::NodeWriter::closeNode(node, context, depth);
 }
 
-std::ofstream openForWriting(const std::wstring& path) {
-    return std::ofstream(
-        hf::filesystem::detail::make_native_access_form(hf::filesystem::upath(path)),
-        std::ios::out | std::ios::trunc);
+// The whole text to `path`. A file that cannot be opened or written in full is reported, a
+// short file being left where a write failed half way.
+void writeWhole(const std::wstring& path, const std::string& text,
+                const ConstSettingsPtr& reported) {
+    try {
+        hf::filesystem::FileSystem::current().writeFile(hf::filesystem::upath(path), text, false);
+    } catch (const hf::filesystem::FsysExceptionBase&) {
+        throw exception::ErrorSaveSettingsDueToFileIOError(reported, path);
+    }
 }
 
 }  // namespace
@@ -89,8 +94,13 @@ std::ofstream openForWriting(const std::wstring& path) {
 void Settings::exportSettings(const std::vector<boost::shared_ptr<const Settings>>& nodes,
                               const std::wstring& path, const std::string& level) {
     if (nodes.empty()) {
-        throw std::invalid_argument("exportSettings: no node selected");
+        throw exception::NoNodeSelectedForExport();
     }
+    // A product nobody touched yet is read first: its file is what is exported.
+    for (const auto& node : nodes) {
+        SettingsImpl::implOf(node)->ensureLoaded();
+    }
+    SettingsImpl::implOf(nodes.front())->checkLevelKnown(level);
     detail::SharedLock lock(detail::rootMutex());
     boost::optional<FakeSettingsTreeNode> shadow;
     for (const auto& node : nodes) {
@@ -114,15 +124,10 @@ void Settings::exportSettings(const std::vector<boost::shared_ptr<const Settings
     if (!hf::filesystem::is_absolute(hf::filesystem::upath(path))) {
         throw exception::ErrorExportOrImportSettingsUsingRelativePath(shadow->node, path);
     }
-    std::ofstream stream = openForWriting(path);
-    if (!stream) {
-        throw exception::ErrorSaveSettingsDueToFileIOError(nodes.front(), path);
-    }
     std::string text;
     detail::WriteContext context(text, level);
     writeShadow(lock, *shadow, context, 0);
-    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
-    stream.flush();
+    writeWhole(path, text, nodes.front());
 }
 
 void Settings::createFactorySettingsFile(const boost::shared_ptr<const Settings>& node,
@@ -133,9 +138,14 @@ void Settings::createFactorySettingsFile(const boost::shared_ptr<const Settings>
     if (!hf::filesystem::is_absolute(hf::filesystem::upath(path))) {
         throw exception::ErrorExportOrImportSettingsUsingRelativePath(path);
     }
-    std::ofstream stream = openForWriting(path);
-    if (!stream) {
-        throw exception::ErrorSaveSettingsDueToFileIOError(node, path);
+    {
+        // A destination that cannot be written is refused before the tree is stamped.
+        hf::filesystem::FileSystem& files = hf::filesystem::FileSystem::current();
+        const hf::filesystem::upath file(path);
+        if (files.checkWritable(file) ||
+            files.examine(file.parent_path()).type != hf::filesystem::file_type::directory) {
+            throw exception::ErrorSaveSettingsDueToFileIOError(node, path);
+        }
     }
     const auto impl = SettingsImpl::implOf(node);
     boost::shared_ptr<SettingsImpl> product;
@@ -145,9 +155,12 @@ void Settings::createFactorySettingsFile(const boost::shared_ptr<const Settings>
         detail::UniqueFromUpgrade exclusive(lock);
         detail::NodeWriter::setVersion(exclusive, *product, version);
     }
-    detail::SharedLock lock(detail::rootMutex());
-    product->writeSettings(lock, stream, std::string());
-    stream.flush();
+    std::string text;
+    {
+        detail::SharedLock lock(detail::rootMutex());
+        detail::NodeWriter::writeDocument(lock, *product, std::string(), text);
+    }
+    writeWhole(path, text, node);
 }
 
 }  // namespace core

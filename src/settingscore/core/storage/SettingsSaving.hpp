@@ -1,6 +1,7 @@
 // Process-wide switches of the save that follows every change: saving itself (off keeps every
 // change in memory only), and the durable replace (off skips the flushes to the disk that make
-// a replaced settings file survive a power cut; for test suites that want speed).
+// a replaced settings file survive a power cut; for test suites that want speed). Both are
+// plain flags, read at the start of each save.
 #pragma once
 
 namespace settings {
@@ -15,5 +16,11 @@ void turnOnSettingsSaving();
 void turnOffDurableSaving();
 void turnOnDurableSaving();
 
+namespace detail {
+
+bool isSettingsSavingOn();
+bool isDurableSaving();
+
+}  // namespace detail
 }  // namespace core
 }  // namespace settings

@@ -5,9 +5,13 @@
 #include <settingscore/core/storage/PreferencesDirectory.hpp>
 #include <settingscore/core/xml/detail/SchemaGrammarCache.hpp>
 
+#include <platform/hf/filesystem/FileSystem.hpp>
+#include <platform/hf/filesystem/FilesystemError.hpp>
 #include <platform/hf/filesystem/Path.hpp>
+#include <platform/hf/i18n/Conversion.hpp>
 #include <platform/hf/i18n/detail/XercesRuntime.hpp>
 
+#include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/sax2/XMLReaderFactory.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
@@ -114,6 +118,24 @@ void SettingsFileParser::createReader() {
 }
 
 boost::shared_ptr<Settings> SettingsFileParser::parse(const std::wstring& path) {
+    std::string content;
+    try {
+        content = hf::filesystem::FileSystem::current().readFile(path, nullptr, maxFileSize);
+    } catch (const hf::filesystem::FsysExceptionBase& failure) {
+        // As the parser itself reports a file it cannot open: a failure at no position.
+        throw ErrorReadingSettingsData(ErrorReadingSettingsData::ParseError,
+                                       L"LineNum=0  ColNum=00  " +
+                                           hf::i18n::to_ustring(failure.what()) +
+                                           (failure.code() == std::errc::file_too_large
+                                                ? L" (a settings file has at most " +
+                                                      std::to_wstring(maxFileSize >> 20) + L" MiB)"
+                                                : std::wstring()));
+    }
+    return parse(path, content);
+}
+
+boost::shared_ptr<Settings> SettingsFileParser::parse(const std::wstring& path,
+                                                      const std::string& content) {
     if (!reader_) {
         createReader();
     }
@@ -123,8 +145,10 @@ boost::shared_ptr<Settings> SettingsFileParser::parse(const std::wstring& path) 
     // Only to refuse a document type declaration the moment it starts.
     reader_->setLexicalHandler(&handler_);
     const detail::Utf16Buffer systemId = detail::toUtf16Buffer(path);
+    xc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(content.data()), content.size(),
+                                 systemId.get(), false);
     try {
-        reader_->parse(systemId.get());
+        reader_->parse(source);
     } catch (const xc::SAXParseException& failure) {
         throw ErrorReadingSettingsData(ErrorReadingSettingsData::ParseError, positionText(failure));
     } catch (const xc::SAXException& failure) {

@@ -66,6 +66,7 @@
 #include <xercesc/util/SecurityManager.hpp>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -82,9 +83,14 @@ public:
     ~SettingsFileParser();
 
     // Parses the file at `path` and returns its tree, null only if the document produced none.
-    // Paths that the file names are kept for popAdditionalPath. Failures: see above; code 0
-    // also if the reader spent by the previous parse cannot be replaced.
+    // The file is read whole through the file system in force (hf::filesystem::FileSystem),
+    // which refuses anything but a regular file and one larger than maxFileSize; a file that
+    // cannot be read is code 4 at line 0 with the file system's text. Paths that the file names are
+    // kept for popAdditionalPath. Failures: see above; code 0 also if the reader spent by the
+    // previous parse cannot be replaced.
     boost::shared_ptr<Settings> parse(const std::wstring& path);
+    // The same for the bytes `content`, read from `path` already.
+    boost::shared_ptr<Settings> parse(const std::wstring& path, const std::string& content);
 
     // The next file to read that a parsed file named, last named first, moved into `path`;
     // false when none is left.
@@ -94,6 +100,10 @@ public:
     // the schema's path below the installation root in UTF-8 with every white-space character
     // written as "%20" (a location list is split at white space).
     static std::string schemaLocation();
+
+    // The largest settings file read: a file is read whole before it is parsed, and the
+    // writer never makes a larger one.
+    static constexpr std::uint64_t maxFileSize = 16u << 20;
 
     // The most memory one reader may hold at once, overhead included. A well-formed file of
     // 10,000 keys needs a few hundred KiB; a single text of a million characters about 6 MiB.

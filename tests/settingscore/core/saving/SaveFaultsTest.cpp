@@ -1,161 +1,145 @@
-// Faults of the save, measured. Each case is one save replacing a good file, made by a forked
-// child of its own product (the give-ups pause for seconds: the cases run side by side):
-//  - the k-th file operation of the save fails, for every k the save reaches: only that call,
-//    that call and every later one, or that call and every later call of the same operation
-//    (a rename into place that keeps being refused while the move aside works);
-//  - the disk fills up: the child's file size limit cuts the temporary file short.
-// After each save: the target is the whole old file or the whole new one, memory holds the new
-// value, and neither a temporary folder nor a .previous file is left behind.
+// Faults of the file operations, measured through the file system seam. A save replacing a good
+// file meets a failure at each call it makes in turn: only that call, that call and every later
+// one, or (per operation) the j-th call of one operation and every later call of it. An export
+// meets the same. Each save runs in a forked child of its own product, since the give-ups pause
+// for seconds. After each: the target is the whole old file or the whole new one, memory holds
+// the new value, no temporary folder is left, and a save that left the old file is recorded.
 #include "SavedValue.hpp"
 
-#include <platform/hf/filesystem/FilesystemError.hpp>
-#include <platform/hf/filesystem/Operations.hpp>
+#include <settingscore/core/exception/Exceptions.hpp>
 
-#include <csignal>
 #include <iostream>
 #include <map>
+#include <set>
 #include <thread>
 
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace savingtest {
 namespace {
 
-using hf::filesystem::upath;
-
-enum Mode { onlyThatCall, everyLaterCall, sameOperationLater, diskFull };
-const char* const modeNames[] = {"only call k fails", "calls k.. fail",
-                                 "call k and later calls of its operation fail", "disk full"};
-const int maxK = 4;  // more than any save here needs: the range check below says so
-
-// The plan of the one save a child makes. Operations: 0 write, 1 rename into place, 2 move aside.
-struct Plan {
-    Mode mode = onlyThatCall;
-    int failAt = 0;  // 0: no fault
-    int calls = 0;
-    int failedOperation = -1;  // set when call k is made: the save met its failure
-} plan;
-sc::detail::WriteSettingsToFile realWrite;
-
-bool failsNow(int operation) {
-    const int call = ++plan.calls;
-    if (call == plan.failAt) {
-        plan.failedOperation = operation;
-        return true;
+struct Fault {
+    int k;
+    bool everyLater;
+    std::string operation;  // empty: every call counts
+    std::string describe() const {
+        return (operation.empty() ? "call " : operation + " call ") + std::to_string(k) +
+               (everyLater ? " and later" : " only");
     }
-    return call > plan.failAt && plan.failAt > 0 &&
-           (plan.mode == everyLaterCall ||
-            (plan.mode == sameOperationLater && operation == plan.failedOperation));
-}
+};
 
-bool faultyWrite(const sc::SettingsLevel* level, sc::SettingsPtr& object,
-                 const sc::detail::ReadAccess& lock, const upath& file) {
-    if (!failsNow(0)) {
-        return realWrite(level, object, lock, file);
-    }
-    realWrite(level, object, lock, file);  // a write that stopped half way
-    std::filesystem::resize_file(file.string(), std::filesystem::file_size(file.string()) / 2);
-    return false;
-}
-
-template <int operation>
-void faultyRename(const upath& from, const upath& to) {
-    if (failsNow(operation)) {
-        throw hf::filesystem::FsysExceptionBase("rename", from, to,
-                                                std::error_code(EIO, std::generic_category()));
-    }
-    hf::filesystem::rename(from, to);
-}
-
-TEST_F(SavingTest, EveryFailingFileOperationAndAFullDiskLeaveAWholeFileAndTheNewValueInMemory) {
-    realWrite = write_;
-    Access::setWrite(&faultyWrite);
-    Access::setTempToTarget(&faultyRename<1>);
-    Access::setTargetToPrevious(&faultyRename<2>);
+TEST_F(SavingTest, EveryFailingFileOperationLeavesAWholeFileTheNewValueInMemoryAndARecord) {
     const std::wstring filler(2000, L'f'), oldValue = L"old value", newValue = L"new value";
+    // One clean save, watched: its calls, by position and by operation.
+    auto probe = mountProduct();
+    files_.forgetCalls();
+    probe->setAny("a", oldValue, "user");
+    const auto sequence = files_.calls();
+    ASSERT_GT(sequence.size(), 5u);
+    std::map<std::string, int> perOperation;
+    std::vector<Fault> faults;
+    for (std::size_t k = 1; k <= sequence.size(); ++k) {
+        faults.push_back({static_cast<int>(k), false, ""});
+        faults.push_back({static_cast<int>(k), true, ""});
+        const int j = ++perOperation[sequence[k - 1].operation];
+        faults.push_back({j, true, sequence[k - 1].operation});
+    }
 
     struct Case {
-        Mode mode;
-        int k;
+        Fault fault;
         boost::shared_ptr<sc::TSettings> group;
         std::filesystem::path file;
-        std::string good;  // the whole old file
-        pid_t child;
     };
     std::vector<Case> cases;
-    for (const Mode mode : {onlyThatCall, everyLaterCall, sameOperationLater, diskFull}) {
-        for (int k = 1; k <= (mode == diskFull ? 1 : maxK); ++k) {
-            const std::string name = "m" + std::to_string(mode) + "k" + std::to_string(k);
-            auto product = node(name, false);
-            auto group = node("g", false, product);
-            node("a", true, group);
-            node("b", true, group);
-            product->setParent(root());
-            group->setAny("b", filler, "user");
-            group->setAny("a", oldValue, "user");
-            const auto file = dir_.path() / "user" / (name + ".settings");
-            cases.push_back({mode, k, group, file, testsupport::readFile(file), 0});
-        }
+    for (const Fault& fault : faults) {
+        const std::string name = "c" + std::to_string(cases.size());
+        auto product = node(name, false);
+        auto group = node("g", false, product);
+        node("a", true, group);
+        node("b", true, group);
+        product->setParent(root());
+        group->setAny("b", filler, "user");
+        group->setAny("a", oldValue, "user");
+        cases.push_back({fault, group, dir_.path() / "user" / (name + ".settings")});
     }
-    for (Case& c : cases) {
-        c.child = ::fork();
-        ASSERT_NE(-1, c.child);
-        if (c.child == 0) {
-            if (c.mode == diskFull) {
-                std::signal(SIGXFSZ, SIG_IGN);
-                const rlim_t limit = c.good.size() / 2;
-                const rlimit size{limit, limit};
-                ::setrlimit(RLIMIT_FSIZE, &size);
-            } else {
-                plan = Plan{c.mode, c.k};
+    // Exit code of a child: 1 the new value in memory and a record of a failed save, 2 the new
+    // value and no record, 3 memory lost the value. The save runs on a thread of its own, whose
+    // ids are drawn afresh as in a new process.
+    const auto runInChild = [&](const Case& c) {
+        int code = 3;
+        std::thread([&] {
+            files_.failCall(c.fault.k, c.fault.everyLater, std::errc::io_error, c.fault.operation);
+            try {
+                c.group->setAny("a", newValue, "user");
+            } catch (...) {  // failures of the level's folder pass to the caller
             }
-            // Exit code: 1 the new value in memory, 2 another one, 3 the save threw; +8 when
-            // the save met its failure. The save runs on a thread of its own, whose id engine is
-            // seeded afresh: children of one parent would otherwise race for the same
-            // temporary folder names.
-            int code = 3;
-            std::thread([&] {
-                try {
-                    c.group->setAny("a", newValue, "user");
-                    const auto now = boost::any_cast<std::wstring>(c.group->getAny("a", "user"));
-                    code = now == newValue ? 1 : 2;
-                } catch (...) {
+            files_.failNothing();
+            const bool kept =
+                boost::any_cast<std::wstring>(c.group->getAny("a", "user")) == newValue;
+            code = !kept ? 3 : saveFailure(c.file.stem().string()).empty() ? 2 : 1;
+        }).join();
+        ::_exit(code);
+    };
+    int recordedFailures = 0;
+    // Faults of one call first, then those that go on, which may keep even the temporary
+    // folder from being removed (later saves sweep it once it is old).
+    for (const bool everyLater : {false, true}) {
+        std::vector<std::pair<const Case*, pid_t>> children;
+        for (const Case& c : cases) {
+            if (c.fault.everyLater == everyLater) {
+                const pid_t child = ::fork();
+                ASSERT_NE(-1, child);
+                if (child == 0) {
+                    runInChild(c);
                 }
-            }).join();
-            ::_exit(code + (plan.failedOperation >= 0 ? 8 : 0));
+                children.emplace_back(&c, child);
+            }
+        }
+        for (const auto& [c, child] : children) {
+            const std::string what = c->fault.describe();
+            int status = 0;
+            ASSERT_EQ(child, ::waitpid(child, &status, 0));
+            ASSERT_TRUE(WIFEXITED(status)) << what;
+            const int code = WEXITSTATUS(status);
+            EXPECT_NE(3, code) << what << ": memory lost the new value";
+            const auto saved = savedValue(c->file, filler);
+            ASSERT_TRUE(saved == oldValue || saved == newValue)
+                << what << ": the file is gone or broken, and with it the product's user values";
+            EXPECT_TRUE(saved == newValue || code == 1)
+                << what << ": the old file stayed and nobody can learn why";
+            recordedFailures += code == 1;
+        }
+        if (!everyLater) {
+            EXPECT_EQ(0, leftovers()) << "a fault of one call left a temporary folder";
         }
     }
+    EXPECT_GT(recordedFailures, 0);
+    std::cout << faults.size() << " faulted saves of " << sequence.size() << " calls each, "
+              << recordedFailures << " recorded as failed" << std::endl;
+}
 
-    std::map<Mode, int> completedAt;  // the first k whose save completed without its failure
-    for (const Case& c : cases) {
-        const std::string what = std::string(modeNames[c.mode]) + ", k=" + std::to_string(c.k);
-        int status = 0;
-        ASSERT_EQ(c.child, ::waitpid(c.child, &status, 0));
-        ASSERT_TRUE(WIFEXITED(status)) << what;
-        EXPECT_EQ(1, WEXITSTATUS(status) & 7)
-            << what << ": the save threw (3) or memory lost the new value (2)";
-        if (c.mode != diskFull && (WEXITSTATUS(status) & 8) == 0 && !completedAt.count(c.mode)) {
-            completedAt[c.mode] = c.k;
-        }
-        if (!std::filesystem::exists(c.file)) {
-            ADD_FAILURE() << "FAIL: " << what << ": the good file " << c.file.filename()
-                          << " is gone, and with it every user value of its product (nothing of it"
-                          << " is left in the folder unless listed below)";
-        } else if (testsupport::readFile(c.file) != c.good) {
-            EXPECT_NE(diskFull, c.mode) << what << ": the limit did not cut the temporary file";
-            EXPECT_EQ(newValue, savedValue(c.file, filler).value_or(L"(a broken file)")) << what;
-        }
+TEST_F(SavingTest, AnExportThatMeetsAFaultIsReportedAndAFullDiskOrSizeLimitIsRecorded) {
+    auto group = mountProduct();
+    group->setAny("a", std::wstring(L"exported"), "user");
+    const auto target = dir_.path() / "export.settings";
+    int round = 0;
+    for (const std::errc error : {std::errc::no_space_on_device, std::errc::file_too_large}) {
+        files_.failCall(1, false, error, "writeFile");
+        EXPECT_THROW(sc::Settings::exportSettings({group}, target.wstring(), "user"),
+                     sc::exception::ErrorSaveSettingsDueToFileIOError);
+        files_.failCall(1, false, error, "writeFile");
+        const std::string before = testsupport::readFile(userFile());
+        EXPECT_NO_THROW(group->setAny("a", L"not saved " + std::to_wstring(++round), "user"));
+        EXPECT_EQ(before, testsupport::readFile(userFile()));
+        EXPECT_EQ("write the temporary file: " + std::make_error_code(error).message(),
+                  saveFailure());
     }
-    for (const Mode mode : {onlyThatCall, everyLaterCall, sameOperationLater}) {
-        ASSERT_TRUE(completedAt.count(mode)) << modeNames[mode] << ": raise maxK";
-        std::cout << modeNames[mode] << ": k=1.." << completedAt[mode] - 1
-                  << " met their failure, k=" << completedAt[mode] << " completed" << std::endl;
-    }
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(dir_.path() / "user")) {
-        EXPECT_EQ(".settings", entry.path().extension()) << "left behind: " << entry.path();
-    }
+    files_.failNothing();
+    sc::Settings::exportSettings({group}, target.wstring(), "user");
+    const auto exported = sc::Settings::importAsStandaloneObject(target.wstring());
+    EXPECT_EQ(L"not saved 2",
+              boost::any_cast<std::wstring>(exported->getNodeByPath("g")->getAny("a", "user")));
 }
 
 }  // namespace

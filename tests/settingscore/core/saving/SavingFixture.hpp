@@ -1,12 +1,11 @@
-// Real saves into temporary level folders, with the save's file operations replaceable by the
-// test (through the friend the operations grant) and restored afterwards.
+// Real saves into temporary level folders, through a file system that records every call and
+// fails the calls a test asks it to.
 #pragma once
 
 #include <settingscore/core/TSettings.hpp>
 #include <settingscore/core/storage/SettingsSaving.hpp>
-#include <settingscore/core/storage/detail/SaveFileOperations.hpp>
-
 #include "support/EnvVarGuard.hpp"
+#include "support/FailingFileSystem.hpp"
 #include "support/TempDir.hpp"
 
 #include <gtest/gtest.h>
@@ -15,21 +14,9 @@
 #include <iterator>
 #include <string>
 
-namespace settings::core::detail {
-
-// The test's way to the private setters; each returns the operation it replaced.
-struct SaveFileOperationsAccess {
-    static constexpr auto setWrite = &SaveFileOperations::setWriteSettingsToFile;
-    static constexpr auto setTempToTarget = &SaveFileOperations::setRenameTempToTarget;
-    static constexpr auto setTargetToPrevious = &SaveFileOperations::setRenameTargetToPrevious;
-};
-
-}  // namespace settings::core::detail
-
 namespace savingtest {
 
 namespace sc = settings::core;
-using Access = sc::detail::SaveFileOperationsAccess;
 using tvutil::contextmgr::AnyInstanceID;
 using tvutil::contextmgr::BlessedInstanceID;
 
@@ -38,9 +25,7 @@ protected:
     SavingTest()
         : factoryEnv_("SETTINGS_FACTORYDIR", (dir_.path() / "factory").string()),
           userEnv_("SETTINGS_USERDIR", (dir_.path() / "user").string()),
-          write_(sc::detail::SaveFileOperations::writeSettingsToFile()),
-          tempToTarget_(sc::detail::SaveFileOperations::renameTempToTarget()),
-          targetToPrevious_(sc::detail::SaveFileOperations::renameTargetToPrevious()) {
+          inUse_(files_) {
         std::filesystem::create_directories(dir_.path() / "factory");
         std::filesystem::create_directories(dir_.path() / "user");
         sc::TSettings::reset(AnyInstanceID);
@@ -48,9 +33,6 @@ protected:
         sc::turnOffDurableSaving();  // for speed; one test turns it back on
     }
     ~SavingTest() override {
-        Access::setWrite(write_);
-        Access::setTempToTarget(tempToTarget_);
-        Access::setTargetToPrevious(targetToPrevious_);
         sc::turnOnSettingsSaving();
         sc::turnOnDurableSaving();
         sc::TSettings::reset(AnyInstanceID);
@@ -84,19 +66,37 @@ protected:
 
     std::filesystem::path userFile() const { return dir_.path() / "user" / "p.settings"; }
 
-    // How many entries of the user folder are not the product's file: leftovers of a save.
+    // The temporary folders in the user folder: leftovers of a save.
     long leftovers() const {
-        const auto entries =
-            std::distance(std::filesystem::directory_iterator(dir_.path() / "user"), {});
-        return entries - (std::filesystem::exists(userFile()) ? 1 : 0);
+        long found = 0;
+        for (const auto& entry : std::filesystem::directory_iterator(dir_.path() / "user")) {
+            found += entry.path().filename().string().rfind("temp", 0) == 0;
+        }
+        return found;
+    }
+
+    // How many calls of `operation` the file system saw since the last forgetCalls.
+    int callsOf(const std::string& operation) const {
+        int counted = 0;
+        for (const auto& call : files_.calls()) {
+            counted += call.operation == operation;
+        }
+        return counted;
+    }
+
+    // The last failed save of product `product` at "user", if any: "<step>: <error>".
+    std::string saveFailure(const std::string& product = "p") {
+        const auto status = root()->getChild(product)->getProductFileStatus();
+        return status.saveFailures.empty()
+                   ? std::string()
+                   : status.saveFailures[0].step + ": " + status.saveFailures[0].error;
     }
 
     testsupport::TempDir dir_;
     testsupport::EnvVarGuard factoryEnv_;
     testsupport::EnvVarGuard userEnv_;
-    sc::detail::WriteSettingsToFile write_;
-    sc::detail::RenameFile tempToTarget_;
-    sc::detail::RenameFile targetToPrevious_;
+    testsupport::FailingFileSystem files_;
+    testsupport::FileSystemInUse inUse_;
 };
 
 }  // namespace savingtest

@@ -81,14 +81,19 @@ TEST_F(StorageTest, LevelRootPathsFollowTheEnvironment) {
     EXPECT_EQ(wat("prefs"), user.levelRootPath());  // unset: made on the way
     EXPECT_TRUE(std::filesystem::is_directory(at("prefs")));
 
-    // SETTINGS_FACTORYDIR as it stands, else "toolbox" below the root; empty counts as unset.
+    // SETTINGS_FACTORYDIR, else "toolbox" below the root; empty counts as unset. A relative one is
+    // made absolute against the working directory of its first reading, for good.
     detail::setTolvanRootOverride(wat("root/"));
     EXPECT_EQ(wat("root/toolbox"), factory.levelRootPath());
     {
         EnvVarGuard empty("SETTINGS_FACTORYDIR", std::string());
         EXPECT_EQ(wat("root/toolbox"), factoryLevelRootPath());
         EnvVarGuard set("SETTINGS_FACTORYDIR", "relative/as/it/stands/");
-        EXPECT_EQ(L"relative/as/it/stands/", factory.levelRootPath());
+        const std::filesystem::path here = std::filesystem::current_path();
+        EXPECT_EQ((here / "relative/as/it/stands/").wstring(), factory.levelRootPath());
+        std::filesystem::current_path(temp_.path());
+        EXPECT_EQ((here / "relative/as/it/stands/").wstring(), factoryLevelRootPath());
+        std::filesystem::current_path(here);
     }
     EXPECT_EQ(L"", workgroupLevelRootPath());  // no fallback
 }

@@ -25,8 +25,11 @@ using tvutil::contextmgr::UndefinedInstanceID;
 TEST_F(TreeTest, RacingThreadsBuildOneRootAndLoadEachProductOnceOnFirstTouch) {
     shipProduct("alpha");
     shipProduct("Beta");
-    testsupport::writeFile(dir_.path() / "user" / "beta.settings", "<x/>");  // same product
-    testsupport::writeFile(dir_.path() / "user" / "gamma.settings", "<x/>");
+    // The same product whatever the case: its user file is found and read as Beta's.
+    testsupport::writeFile(dir_.path() / "user" / "beta.settings",
+                           "<settings name=\"beta\" xmlns=\"urn:lindqvare.tolvan.settings\"><key "
+                           "name=\"x\"><int32><value>5</value></int32></key></settings>");
+    shipProduct("gamma");
 
     std::vector<boost::shared_ptr<Settings>> roots(8);
     hftest::onThreads(8, [&roots](int i) {
@@ -34,17 +37,21 @@ TEST_F(TreeTest, RacingThreadsBuildOneRootAndLoadEachProductOnceOnFirstTouch) {
         roots[i]->getNodeByPath("alpha.x");
     });
     EXPECT_EQ(1u, std::set<boost::shared_ptr<Settings>>(roots.begin(), roots.end()).size());
-    EXPECT_EQ(1, loads_.load()) << "only alpha was touched, and loaded once";
+    EXPECT_EQ(1, factoryReads()) << "only alpha was touched, and loaded once";
 
     std::vector<std::string> names;
     for (const auto& product : roots[0]->getChildren()) {
         names.push_back(product->getName());
-        EXPECT_FALSE(product->isVisible()) << "product nodes start without a visibility";
-        EXPECT_TRUE(product->getChildren().empty());
+        EXPECT_TRUE(product->isVisible()) << "an untouched product answers from its files";
     }
     // One "beta" product whatever the case; children come in byte order of their names.
     EXPECT_EQ((std::vector<std::string>{"Beta", "alpha", "gamma"}), names);
-    EXPECT_EQ(3, loads_.load());
+    EXPECT_EQ(3, factoryReads());
+    EXPECT_EQ(5, boost::any_cast<int>(roots[0]->getChild("Beta")->getAny("x", "")));
+    // Its saves go back to the file that was read, never to a second spelling.
+    roots[0]->getChild("Beta")->setAny("x", 6, "user");
+    EXPECT_EQ((std::vector<std::string>{"user/beta.settings"}), savedFiles());
+    EXPECT_FALSE(std::filesystem::exists(dir_.path() / "user" / "Beta.settings"));
 }
 
 TEST_F(TreeTest, ResetAndTheContextRegistryReplaceAndDropInstanceStates) {
@@ -62,7 +69,7 @@ TEST_F(TreeTest, ResetAndTheContextRegistryReplaceAndDropInstanceStates) {
     EXPECT_FALSE(TSettings::reset(AnyInstanceID));  // root already gone; state replaced
     auto second = root();
     ASSERT_TRUE(second);
-    EXPECT_FALSE(second->getChild("p"));
+    EXPECT_TRUE(second->getChild("p")) << "attached, it was saved, and the new root lists it";
 
     // Recorded events that name the root must not keep a reset tree alive.
     boost::weak_ptr<Settings> gone = second;

@@ -1,12 +1,14 @@
 // The tree fixture: fresh factory and user folders named by the environment, the settings
-// states reset around each test, and the file hooks replaced by recorders (restored after).
+// states reset around each test, and the real loads and saves seen through a recording file
+// system.
 #pragma once
 
 #include <settingscore/core/SettingsImplRoot.hpp>
-#include <settingscore/core/detail/FileLayerHooks.hpp>
 #include <settingscore/core/storage/SettingsLevel.hpp>
+#include <settingscore/core/storage/SettingsSaving.hpp>
 
 #include "support/EnvVarGuard.hpp"
+#include "support/FailingFileSystem.hpp"
 #include "support/TempDir.hpp"
 
 #include <gtest/gtest.h>
@@ -56,28 +58,16 @@ protected:
     TreeTest()
         : factoryEnv_("SETTINGS_FACTORYDIR", (dir_.path() / "factory").string()),
           userEnv_("SETTINGS_USERDIR", (dir_.path() / "user").string()),
-          oldLoader_(settings::core::productLoader),
-          oldSaver_(settings::core::levelSaver) {
+          inUse_(files_) {
         std::filesystem::create_directories(dir_.path() / "factory");
         std::filesystem::create_directories(dir_.path() / "user");
         TSettings::reset(AnyInstanceID);
-        settings::core::productLoader = [this](SettingsImpl& node, std::wstring&) {
-            loads_ += node.isProductNode();  // as the real loader: files for product nodes only
-        };
-        settings::core::levelSaver = [this](const settings::core::SettingsLevel* level,
-                                            settings::core::SettingsPtr node,
-                                            const settings::core::detail::ReadAccess&) {
-            if (level->canHaveFile()) {  // as the real save: a level without files writes nothing
-                std::lock_guard<std::mutex> guard(savesMutex_);
-                saves_.emplace_back(level->levelName(), node->getFullName());
-            }
-        };
+        settings::core::turnOffDurableSaving();  // for speed: many saves, no power cut
     }
 
     ~TreeTest() override {
+        settings::core::turnOnDurableSaving();
         TSettings::reset(AnyInstanceID);
-        settings::core::productLoader = oldLoader_;
-        settings::core::levelSaver = oldSaver_;
     }
 
     boost::shared_ptr<SettingsImplRoot> root() {
@@ -85,19 +75,44 @@ protected:
             Settings::getSettingsRoot(BlessedInstanceID));
     }
 
-    // A product with one settings file at the factory level.
+    // A product with one settings file at the factory level, holding key "x".
     void shipProduct(const std::string& name) {
-        testsupport::writeFile(dir_.path() / "factory" / name / (name + ".settings"), "<x/>");
+        testsupport::writeFile(
+            dir_.path() / "factory" / name / (name + ".settings"),
+            "<settings name=\"" + name +
+                "\" visible=\"true\" xmlns=\"urn:lindqvare.tolvan.settings\"><key "
+                "name=\"x\"><int32><value>1</value></int32></key></settings>");
+    }
+
+    // How many factory files were read so far.
+    int factoryReads() const {
+        int reads = 0;
+        for (const auto& call : files_.calls()) {
+            reads += call.operation == "readFile" &&
+                     call.path.find((dir_.path() / "factory").string()) == 0;
+        }
+        return reads;
+    }
+
+    // The files saves put in place since the last call, relative to the test's folder
+    // ("user/p.settings"), in order.
+    std::vector<std::string> savedFiles() {
+        std::vector<std::string> saved;
+        for (const auto& call : files_.calls()) {
+            if (call.operation == "rename" && call.path.size() > 9 &&
+                call.path.compare(call.path.size() - 9, 9, ".settings") == 0) {
+                saved.push_back(call.path.substr(dir_.path().string().size() + 1));
+            }
+        }
+        files_.forgetCalls();
+        return saved;
     }
 
     testsupport::TempDir dir_;
     testsupport::EnvVarGuard factoryEnv_;
     testsupport::EnvVarGuard userEnv_;
-    settings::core::detail::ProductLoader oldLoader_;
-    settings::core::detail::LevelSaver oldSaver_;
-    std::atomic<int> loads_{0};
-    std::mutex savesMutex_;
-    std::vector<std::pair<std::string, std::string>> saves_;  // (level, node full name)
+    testsupport::FailingFileSystem files_;
+    testsupport::FileSystemInUse inUse_;
 };
 
 }  // namespace treetest

@@ -55,26 +55,25 @@ TEST_F(ValuesTest, WritesAndMergesAreAllOrNothingAndOnlyEffectiveChangesAreAnnou
     EXPECT_EQ("The obj[1] passed in is NULL.\n", nullFailures[0].second);
     EXPECT_FALSE(group->hasValue("a", "user") || group->hasValue("c", "user"));
     EXPECT_TRUE(drainEvents().empty());
-    EXPECT_TRUE(saves_.empty());
+    EXPECT_TRUE(savedFiles().empty());
 
     // n changed keys: n saves, one per key, each after its own store.
     const KeyValuePair good[] = {{a, 1}, {b, 2}, {c, 3}};
     EXPECT_TRUE(group->setValues(good, good + 3, "user", true).empty());
-    EXPECT_EQ(3u, saves_.size());
+    EXPECT_EQ(3u, savedFiles().size());
     EXPECT_EQ((std::vector<std::string>{"p.g.a", "p.g.b", "p.g.c"}), drainEvents());
 
     // Only a change of the effective value is announced, and only a store is saved.
-    saves_.clear();
     group->setAny("a", 5, "session");
     EXPECT_EQ((std::vector<std::string>{"p.g.a"}), drainEvents());
-    EXPECT_TRUE(saves_.empty()) << "the session level has no file";
+    EXPECT_TRUE(savedFiles().empty()) << "the session level has no file";
     group->setAny("a", 5, "session");
     EXPECT_TRUE(drainEvents().empty());
     group->setAny("a", 6, "user");  // shadowed by the session value: saved, not announced
-    EXPECT_EQ(1u, saves_.size());
+    EXPECT_EQ(1u, savedFiles().size());
     EXPECT_TRUE(drainEvents().empty());
     group->setAny("a", 6, "user");  // unchanged: neither
-    EXPECT_EQ(1u, saves_.size());
+    EXPECT_EQ(0u, savedFiles().size());
     group->removeValue("a", "session");  // the user value shows through: one event
     EXPECT_EQ((std::vector<std::string>{"p.g.a"}), drainEvents());
 
@@ -83,12 +82,12 @@ TEST_F(ValuesTest, WritesAndMergesAreAllOrNothingAndOnlyEffectiveChangesAreAnnou
     auto incomingB = makeKey("b", incoming);
     incomingB->putValue("user", 42);
     makeKey("added", incoming)->putValue("user", std::wstring(L"new"));
-    saves_.clear();
+    savedFiles();
     EXPECT_THROW(group->mergeWith(incoming, "user"), ValueIsNotInRange);
     EXPECT_FALSE(group->getChild("added"));
     EXPECT_EQ(2, boost::any_cast<int>(group->getAny("b", "")));
     EXPECT_TRUE(drainEvents().empty());
-    EXPECT_TRUE(saves_.empty());
+    EXPECT_TRUE(savedFiles().empty());
     incomingB->putValue("user", 7);
     group->mergeWith(incoming, "session");
     EXPECT_EQ(7, boost::any_cast<int>(group->getAny("b", "session")));

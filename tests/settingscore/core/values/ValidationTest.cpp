@@ -99,7 +99,7 @@ TEST_F(ValuesTest, TheNearestValidatorRunsWithTheKeysOwnNameAndParent) {
     makeKey("own", group)->setValidator(JValidator("pkg", "ownCheck"));
     group->validateAny("plain", 3);
     group->validateAny("own", 4);
-    EXPECT_THROW(group->validateAny("plain", -1), std::exception);
+    EXPECT_THROW(group->validateAny("plain", -1), ValidationFunctionInvokingError);
     // A standalone key reaches its caller's validator, and is called with no parent.
     const settings::core::KeyValuePair pair(makeKey("loose"), 5);
     group->validateValues(&pair, &pair + 1, true);
@@ -112,7 +112,7 @@ TEST_F(ValuesTest, TheNearestValidatorRunsWithTheKeysOwnNameAndParent) {
     auto box = makeNode("box", false);
     auto refused = makeKey("refused", box);
     refused->putValue("user", -5);
-    EXPECT_THROW(box->setParent(group), std::exception);
+    EXPECT_THROW(box->setParent(group), ValidationFunctionInvokingError);
     EXPECT_FALSE(group->getChild("box"));
     refused->setValidator(JValidator("pkg", "lenient"));
     box->setParent(group);

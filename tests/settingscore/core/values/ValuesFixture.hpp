@@ -71,7 +71,7 @@ protected:
         product->setParent(root());
         root()->setRecordEvents(true);
         drainEvents();
-        saves_.clear();
+        savedFiles();
         return group;
     }
 

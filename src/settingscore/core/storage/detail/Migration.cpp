@@ -1,10 +1,11 @@
 #include <settingscore/core/storage/detail/Migration.hpp>
 
 #include <settingscore/core/exception/MessageIds.hpp>
+#include <settingscore/core/storage/SettingsSaving.hpp>
 
 #include <platform/hlu/hlu.h>
-#include <platform/hf/filesystem/DirectoryIterator.hpp>
-#include <platform/hf/filesystem/Operations.hpp>
+#include <platform/hf/filesystem/FileSystem.hpp>
+#include <platform/hf/filesystem/FilesystemError.hpp>
 #include <platform/hf/i18n/Conversion.hpp>
 #include <platform/hf/i18n/MessageCatalog.hpp>
 
@@ -34,6 +35,16 @@ void reportOnConsole(const hf::resource::BaseMsgID& message) {
     hluPutsn(hf::i18n::to_string(text).c_str());
 }
 
+// Copies one file through the file system in force; with durable saving its data reaches the
+// disk, since the new directory is never migrated again.
+void copyOneFile(const fs::upath& from, const fs::upath& to, bool overwrite) {
+    fs::FileSystem& files = fs::FileSystem::current();
+    if (!overwrite && files.examine(to).exists()) {
+        throw fs::FileExistsError("copy", from, to, std::make_error_code(std::errc::file_exists));
+    }
+    files.writeFile(to, files.readFile(from, nullptr), isDurableSaving());
+}
+
 }  // namespace
 
 bool isExcludedFromMigration(const std::wstring& fileName) {
@@ -54,10 +65,11 @@ bool migratePreferences(const std::wstring& fromDir, const std::wstring& toDir, 
     if (fromDir.empty()) {
         return true;
     }
-    if (!fs::exists(fromDir)) {
+    fs::FileSystem& files = fs::FileSystem::current();
+    if (!files.examine(fromDir).exists()) {
         return true;
     }
-    if (!fs::exists(toDir)) {
+    if (!files.examine(toDir).exists()) {
         const int error = errno;
         throw makeMessageException<TOLVAN::settings::core::PreferenceDirectoryNotExist>(
             toDir, std::strerror(error));
@@ -66,19 +78,18 @@ bool migratePreferences(const std::wstring& fromDir, const std::wstring& toDir, 
 }
 
 bool copyPreferenceTree(const std::wstring& fromDir, const std::wstring& toDir, bool overwrite) {
-    for (const fs::directory_entry& entry : fs::directory_iterator(fromDir)) {
-        const fs::upath name = entry.path().filename();
+    fs::FileSystem& files = fs::FileSystem::current();
+    for (const fs::FolderEntry& entry : files.listFolder(fromDir)) {
+        const fs::upath name(entry.name);
         if (name == fs::upath(fs::upath_constant::CURRENT_DIRECTORY) ||
             name == fs::upath(fs::upath_constant::PARENT_DIRECTORY)) {
             continue;
         }
-        const std::wstring fullPath = entry.path().wstring();
-        if (fs::is_directory(entry.status())) {
+        const std::wstring fullPath = (fs::upath(fromDir) / name).wstring();
+        if (entry.type == fs::file_type::directory) {
             // Every folder is recreated, whatever it is called; only files are excluded.
             const fs::upath sub = fs::upath(toDir) / name;
-            if (!fs::exists(sub)) {
-                fs::create_directories(sub);
-            }
+            fs::makeFolders(files, sub, isDurableSaving());
             if (!copyPreferenceTree(fullPath, sub.wstring(), overwrite)) {
                 return false;
             }
@@ -88,6 +99,9 @@ bool copyPreferenceTree(const std::wstring& fromDir, const std::wstring& toDir, 
             }
         }
     }
+    if (isDurableSaving()) {
+        files.syncFolder(toDir);  // the copies' names reach the disk with their data
+    }
     return true;
 }
 
@@ -95,12 +109,12 @@ bool copyPreferenceFile(const std::wstring& fromFile, const std::wstring& toDir,
     if (fromFile.empty() || toDir.empty()) {
         return false;
     }
-    if (!fs::exists(fromFile)) {
+    if (!fs::FileSystem::current().examine(fromFile).exists()) {
         return true;  // went away during the walk
     }
     const fs::upath dest = fs::upath(toDir) / fs::upath(fromFile).filename();
     try {
-        fs::copy_file(fromFile, dest, fs::copy_option::fail_if_exists);
+        copyOneFile(fromFile, dest, false);
         return true;
     } catch (...) {
     }
@@ -111,7 +125,7 @@ bool copyPreferenceFile(const std::wstring& fromFile, const std::wstring& toDir,
         return false;
     }
     try {
-        fs::copy_file(fromFile, dest, fs::copy_option::overwrite_if_exists);
+        copyOneFile(fromFile, dest, true);
         return true;
     } catch (const std::exception& e) {
         reportOnConsole(TOLVAN::settings::core::ErrorCopyFileInPrefDir(

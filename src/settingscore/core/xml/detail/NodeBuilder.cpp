@@ -96,7 +96,9 @@ void NodeBuilder::attach(UniqueFromUpgrade* build, SettingsImpl& child,
         child.setParent(parent);
         return;
     }
-    child.attachToParent(*build, parent, true);
+    // No validation function runs while a file is read: the values passed them when they were
+    // written, and a library that is missing now must not cost them.
+    child.attachToParent(*build, parent, false);
 }
 
 void NodeBuilder::setMetaData(SettingsImpl& node, const SettingsKeyMetaData<boost::any>& metaData) {

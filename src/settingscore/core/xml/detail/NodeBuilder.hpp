@@ -72,53 +72,6 @@ public:
     // The value stored at `level`; none when the level has no entry at all.
     static boost::optional<boost::any> getStoredValue(const SettingsImpl& node,
                                                       const std::string& level);
-
-    // --- Merges of a file's standalone tree, as SettingsImpl::mergeNode(lock, from, level,
-    // takeDefinition, true) does them, without its copies. `from` is given up to them: it may
-    // lose nodes to the result. REQUIRES: unlike the rest of this class, `lock` holds the mutex
-    // guarding all trees involved in upgrade mode; nobody else uses them. ---
-
-    // The merge into a group `into` that has no children yet (a product's first file). The
-    // plain merge would build a copy of every node below `from` (the first tree that mentions
-    // a node defines it) and leave `from` to be destroyed; this takes over from's children
-    // themselves instead, with each key's value moved to `level` (the first stored value in
-    // level order, none if that is empty) and each run-time default made to belong to
-    // `level`. Only the two top nodes can fail to merge, before anything moves: then `from`
-    // keeps its children. Does nothing and returns false unless `into` and `from` are groups
-    // and `into` has no children.
-    static bool mergeIntoEmptyGroup(UpgradeLock& lock, SettingsImpl& into,
-                                    const boost::shared_ptr<SettingsImpl>& from,
-                                    const std::string& level, bool takeDefinition);
-
-    // A merge that must leave the tree it merges into as it was, should it fail, without
-    // copying all of it first:
-    //   auto copy = copyForMerge(lock, *tree);       // the top, sharing tree's children
-    //   mergeCopyingPath(lock, copy, from, ...);     // may throw, as mergeNode does
-    //   claimSharedChildren(lock, copy);             // after success (or a partial merge kept)
-    // Only the nodes that `from` has a counterpart for are copied, each before it is merged
-    // into; the rest stay shared with `tree` and keep naming their parents there until
-    // claimSharedChildren makes the copies their parents. Until then `tree` is intact, and a
-    // copy that is dropped leaves it so; after that `tree` is spent and must not be used.
-    static boost::shared_ptr<SettingsImpl> copyForMerge(UpgradeLock& lock,
-                                                        const SettingsImpl& original);
-    static void mergeCopyingPath(UpgradeLock& lock, const boost::shared_ptr<SettingsImpl>& copy,
-                                 const boost::shared_ptr<SettingsImpl>& from,
-                                 const std::string& level, bool takeDefinition);
-    static void claimSharedChildren(UpgradeLock& lock, const boost::shared_ptr<SettingsImpl>& copy);
-
-private:
-    // SettingsImpl::ChildMap, which this header cannot name.
-    using ChildMap = std::map<std::string, boost::shared_ptr<SettingsImpl>, std::less<>>;
-
-    // mergeNode on the top nodes alone: from's children are moved into `fromChildren` first,
-    // and back should the merge fail.
-    static void mergeTopOnly(UpgradeLock& lock, SettingsImpl& into,
-                             const boost::shared_ptr<SettingsImpl>& from, const std::string& level,
-                             bool takeDefinition, ChildMap& fromChildren);
-    static void takeOverAtLevel(const UniqueFromUpgrade& lock, SettingsImpl& node,
-                                const std::string& level);
-    static void claimSharedChildren(const UniqueFromUpgrade& lock,
-                                    const boost::shared_ptr<SettingsImpl>& node);
 };
 
 }  // namespace detail

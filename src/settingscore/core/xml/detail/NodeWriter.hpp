@@ -5,6 +5,7 @@
 #include <settingscore/core/ArraySizeBounds.hpp>
 #include <settingscore/core/callouts/CalloutVariants.hpp>
 #include <settingscore/core/detail/TreeLock.hpp>
+#include <settingscore/core/storage/detail/ProductFileState.hpp>
 #include <settingscore/core/xml/ValueWriters.hpp>
 
 #include <boost/optional.hpp>
@@ -35,6 +36,11 @@ struct WriteContext {
     std::vector<const SettingsImpl*> openTags;
     // The levels after `level` in the level table, found once per call rather than per key.
     std::vector<std::string> laterLevels;
+    // What the file held that the tree could not take, by full name: each is written in place
+    // of its node while that holds nothing at the level. Null or empty for most writes; when
+    // there are entries, `path` follows the walk (the full name of the node being written).
+    const HeldBackMap* heldBack = nullptr;
+    std::string path;
 
     // Marks `node` open; false when it already was.
     bool markOpen(const SettingsImpl* node);
@@ -45,10 +51,12 @@ struct WriteContext {
 class NodeWriter {
 public:
     // The whole text of writeSettings for `node` at `level` (none: the effective stored
-    // values), appended to `out`: `node` with its ancestors' frame. UnknownLevel for a level
-    // outside the level table.
+    // values), appended to `out`: `node` with its ancestors' frame, and what `heldBack` holds
+    // written back in place of the nodes it belongs to. UnSupportedLevel for a level outside
+    // the level table.
     static void writeDocument(const ReadAccess& lock, const SettingsImpl& node,
-                              const std::string& level, std::string& out);
+                              const std::string& level, std::string& out,
+                              const HeldBackMap* heldBack = nullptr);
     // Writes `node` at indent `depth` with the chain of its ancestors opened first (those not
     // open yet), then its content, then its closing tag. Ancestors stay open.
     static void writeTree(const ReadAccess& lock, const SettingsImpl& node, WriteContext& context,
@@ -96,6 +104,10 @@ private:
     // The key's value writer; a key whose type is known but that has no writer yet gets the
     // writer of its type code.
     static ValueWriter valueWriterOf(const SettingsImpl& key);
+    // Whether nothing below or at `node` would be written for `level`: no stored value there
+    // and no run-time default that belongs there.
+    static bool holdsNothingAt(const ReadAccess& lock, const SettingsImpl& node,
+                               const std::string& level);
     static boost::optional<int> typeCodeOf(const SettingsImpl& key);
 };
 

@@ -1,4 +1,4 @@
-// Hostile settings files written straight to disk piece by piece (so that a 50 MB file never
+// Hostile settings files written straight to disk piece by piece (so that a big file never
 // sits in the test's memory), and work run in a forked child with its CPU time and its growth
 // in peak resident memory measured there, so that neither the parent's memory nor an earlier
 // case hides a blow-up, and a hang or a crash shows as such instead of stopping the program.

@@ -32,11 +32,11 @@ TEST(HostileProductFiles, AreSkippedEachWithItsLineWhileTheGoodOnesLoadWithinThe
                 {declaration + ("<!DOCTYPE settings [" + billionLaughs() + "]>\n") + element +
                  "><key name=\"l\"><string><value>&lol9;</value></string></key></settings>\n"});
     writePieces(factory / "deep.settings", {declaration + element + ">",
-                                            {"<settings name=\"g\">", 1000000},
-                                            {"</settings>", 1000000},
+                                            {"<settings name=\"g\">", 300000},
+                                            {"</settings>", 300000},
                                             "</settings>\n"});
     writePieces(factory / "huge.settings",
-                {declaration + element + " x=\"", {"x", 50u << 20}, "\"/>"});
+                {declaration + element + " x=\"", {"x", 15u << 20}, "\"/>"});
     testsupport::writeFile(factory / "truncated.settings", good.substr(0, good.size() / 2));
     writePieces(user / "p.settings", {{std::string(1, '\0'), 4096}});
 

@@ -1,7 +1,8 @@
-// The merges of a file's tree that spare copies (taking over a first file's nodes, copying only
-// the touched ones) give what the plain merge gives, and leave the tree alone when they fail.
+// The one merge under its policies: taking over a file's nodes and copying only the touched ones
+// give what the plain merge gives, and a copy-on-write merge leaves the tree alone when it fails.
 #include "ReadingFixture.hpp"
 
+#include <settingscore/core/detail/MergePolicy.hpp>
 #include <settingscore/core/exception/ValidationExceptions.hpp>
 #include <settingscore/core/xml/SettingsFileReading.hpp>
 
@@ -49,7 +50,11 @@ protected:
     // mergeFileTree of `text` into `into` at `level`, its error lines added to errors_.
     NodePtr mergeFile(const NodePtr& into, const std::string& text, const std::string& level,
                       const std::wstring& file) {
-        return sc::detail::mergeFileTree(into, tree(text), level, firstMerged_, errors_, file);
+        sc::detail::MergePolicy policy;
+        policy.takeOver = policy.copyOnWrite = true;
+        policy.runValidators = false;
+        return sc::detail::mergeFileTree(into, tree(text), level, firstMerged_, errors_, file,
+                                         policy);
     }
 
     boost::shared_mutex privateMutex_;
@@ -65,13 +70,13 @@ TEST_F(FileMergeTest, TakingOverAFirstFileGivesWhatTheNodeByNodeMergeGives) {
             const NodePtr file = tree(factoryFile);
             const NodePtr takenOver = group("p");
             const NodePtr merged = group("p");
-            ASSERT_TRUE(
-                NodeBuilder::mergeIntoEmptyGroup(lock_, *takenOver, file, level, takeDefinition));
-            merged->mergeNode(lock_, tree(factoryFile), level, takeDefinition, true);
+            sc::detail::MergePolicy takeOver;
+            takeOver.takeOver = true;
+            takenOver->mergeNode(lock_, file, level, takeDefinition, true, takeOver);
+            merged->mergeNode(lock_, tree(factoryFile), level, takeDefinition, true, {});
             EXPECT_EQ(describeTree(takenOver), describeTree(merged));
             EXPECT_TRUE(sameValues(takenOver, merged));
-            // Nothing is left with the file, and the bounds name the node that owns them now.
-            EXPECT_TRUE(file->getChildren().empty());
+            // The bounds name the node that owns them now.
             const auto top = sc::SettingsImpl::implOf(takenOver->getChild("top"));
             EXPECT_EQ(NodeBuilder::getArraySizeBounds(*top)->getOwner().lock(), top);
         }
@@ -89,8 +94,8 @@ TEST_F(FileMergeTest, AMergeCopyingOnlyWhatItTouchesGivesThePlainOutcomeOrLeaves
     const auto merged = mergeFile(factory, userFile("5"), "user", L"user file");
     EXPECT_EQ(errors_, L"");
     const NodePtr expected = group("p");
-    expected->mergeNode(lock_, tree(factoryFile), "factory", true, true);
-    expected->mergeNode(lock_, tree(userFile("5")), "user", false, true);
+    expected->mergeNode(lock_, tree(factoryFile), "factory", true, true, {});
+    expected->mergeNode(lock_, tree(userFile("5")), "user", false, true, {});
     EXPECT_EQ(describeTree(merged), describeTree(expected));
     EXPECT_TRUE(sameValues(merged, expected));
     // Untouched subtrees were handed over, not copied; touched nodes were copied.
