@@ -48,7 +48,7 @@ XMLValidationFunction::XMLValidationFunction(const xercesc::Attributes& attribut
         readFunctionAttributes(attributes));
     const auto node = getSettings();
     if (validator && node) {
-        node->setValidator(*validator);
+        detail::NodeBuilder::setValidator(buildLock(), *node, *validator);
     }
 }
 
@@ -58,12 +58,13 @@ std::string XMLValidationFunction::getTagName() const {
 
 namespace detail {
 
-void installRunTimeDefault(const xercesc::Attributes& attributes, SettingsImpl& key) {
+void installRunTimeDefault(UniqueFromUpgrade* build, const xercesc::Attributes& attributes,
+                           SettingsImpl& key) {
     const auto runTimeDefault =
         makeCallout<RunTimeDefaultVariant, CRunTimeDefault, JRunTimeDefault, TRunTimeDefault>(
             readFunctionAttributes(attributes));
     if (runTimeDefault) {
-        NodeBuilder::setRunTimeDefault(key, *runTimeDefault);
+        NodeBuilder::setRunTimeDefault(build, key, *runTimeDefault);
     }
 }
 

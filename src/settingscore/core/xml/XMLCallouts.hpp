@@ -31,8 +31,9 @@ public:
 namespace detail {
 
 // Installs the run-time default that `attributes` describe on `key`, replacing any earlier
-// one; nothing for an unknown type word.
-void installRunTimeDefault(const xercesc::Attributes& attributes, SettingsImpl& key);
+// one; nothing for an unknown type word. `build`: the parse's hold over the tree it builds.
+void installRunTimeDefault(UniqueFromUpgrade* build, const xercesc::Attributes& attributes,
+                           SettingsImpl& key);
 
 }  // namespace detail
 
@@ -42,7 +43,7 @@ XMLRuntimeDefault<T>::XMLRuntimeDefault(const xercesc::Attributes& attributes,
     : XMLLeafNode(parent) {
     // The enclosing key: a type element answers with its key.
     if (const auto key = getSettings()) {
-        detail::installRunTimeDefault(attributes, *key);
+        detail::installRunTimeDefault(buildLock(), attributes, *key);
     }
 }
 

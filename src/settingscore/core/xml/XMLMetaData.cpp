@@ -45,7 +45,7 @@ template <class T>
 void XMLMetaData<T>::finish() {
     const auto key = getSettings();
     if (key && (!min_.empty() || !max_.empty() || choices_)) {
-        detail::NodeBuilder::setMetaData(*key,
+        detail::NodeBuilder::setMetaData(buildLock(), *key,
                                          SettingsKeyMetaData<boost::any>(min_, max_, choices_));
     }
 }

@@ -101,8 +101,22 @@ void NodeBuilder::attach(UniqueFromUpgrade* build, SettingsImpl& child,
     child.attachToParent(*build, parent, false);
 }
 
-void NodeBuilder::setMetaData(SettingsImpl& node, const SettingsKeyMetaData<boost::any>& metaData) {
+void NodeBuilder::setMetaData(UniqueFromUpgrade* build, SettingsImpl& node,
+                              const SettingsKeyMetaData<boost::any>& metaData) {
+    if (build) {
+        node.metaData_ = metaData;
+        return;
+    }
     underExclusiveRootHold([&] { node.metaData_ = metaData; });
+}
+
+void NodeBuilder::setValidator(UniqueFromUpgrade* build, SettingsImpl& node,
+                               const ValidatorVariant& validator) {
+    if (build) {
+        node.validator_ = validator;
+        return;
+    }
+    node.setValidator(validator);
 }
 
 SettingsKeyMetaData<boost::any> NodeBuilder::getMetaData(const SettingsImpl& node) {
@@ -110,8 +124,12 @@ SettingsKeyMetaData<boost::any> NodeBuilder::getMetaData(const SettingsImpl& nod
     return node.metaData_;
 }
 
-void NodeBuilder::setRunTimeDefault(SettingsImpl& node,
+void NodeBuilder::setRunTimeDefault(UniqueFromUpgrade* build, SettingsImpl& node,
                                     const RunTimeDefaultVariant& runTimeDefault) {
+    if (build) {
+        node.runTimeDefault_ = runTimeDefault;
+        return;
+    }
     RunTimeDefaultVariant replaced = runTimeDefault;
     underExclusiveRootHold([&] { node.runTimeDefault_.swap(replaced); });
     // `replaced` now holds the old default and dies here, after the lock is gone.

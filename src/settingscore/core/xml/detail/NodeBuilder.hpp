@@ -42,10 +42,17 @@ public:
     static TypeConformer getTypeConformer(const SettingsImpl& node);
     static ValueWriter getValueWriter(const SettingsImpl& node);
 
-    static void setMetaData(SettingsImpl& node, const SettingsKeyMetaData<boost::any>& metaData);
+    // The fields a file's function and metadata elements set. Under a build lock nothing else
+    // is taken, so a file can be read while the reading thread holds the root mutex (a save
+    // that reads the file another process wrote).
+    static void setMetaData(UniqueFromUpgrade* build, SettingsImpl& node,
+                            const SettingsKeyMetaData<boost::any>& metaData);
+    static void setValidator(UniqueFromUpgrade* build, SettingsImpl& node,
+                             const ValidatorVariant& validator);
     static SettingsKeyMetaData<boost::any> getMetaData(const SettingsImpl& node);
 
-    static void setRunTimeDefault(SettingsImpl& node, const RunTimeDefaultVariant& runTimeDefault);
+    static void setRunTimeDefault(UniqueFromUpgrade* build, SettingsImpl& node,
+                                  const RunTimeDefaultVariant& runTimeDefault);
     static RunTimeDefaultVariant getRunTimeDefault(const SettingsImpl& node);
 
     // --- What the elements of a file settle about their nodes, each in one exclusive hold:
