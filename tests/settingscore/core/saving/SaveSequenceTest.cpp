@@ -3,6 +3,8 @@
 // writes.
 #include "SavingFixture.hpp"
 
+#include "platform/hf/ChildProcess.hpp"
+
 namespace savingtest {
 namespace {
 
@@ -53,6 +55,23 @@ TEST_F(SavingTest, ReplaceMovesTheOldFileAsideAndGiveUpsLeaveItWholeAndRecorded)
     EXPECT_EQ(5, boost::any_cast<int>(group->getAny("b", "")));
     EXPECT_EQ("open the file for writing: Is a directory", saveFailure());
     EXPECT_EQ(0, leftovers());
+
+    // A read-only file, for a user who is not root (root writes through the mode bits).
+    std::filesystem::remove(userFile());
+    group->setAny("b", 6, "user");
+    std::filesystem::permissions(
+        userFile(), std::filesystem::perms::owner_read | std::filesystem::perms::others_read);
+    std::filesystem::permissions(dir_.path(), std::filesystem::perms::all);
+    std::filesystem::permissions(dir_.path() / "user", std::filesystem::perms::all);
+    const std::string readOnly = testsupport::readFile(userFile());
+    EXPECT_EQ(0, hftest::runInChild([&] {
+                  if (!hftest::dropRootPrivileges()) {
+                      return 1;
+                  }
+                  group->setAny("b", 7, "user");
+                  return saveFailure() == "open the file for writing: Permission denied" ? 0 : 2;
+              }));
+    EXPECT_EQ(readOnly, testsupport::readFile(userFile()));
 }
 
 TEST_F(SavingTest, EachChangeWritesItsProductFileAndRemovalsDeleteOrRewriteIt) {

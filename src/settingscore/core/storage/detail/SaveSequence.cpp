@@ -141,10 +141,27 @@ bool restoreTarget(fs::FileSystem& files, const fs::upath& target, const fs::upa
     }
 }
 
+// Whether trying a failed rename again can help: a target held or refused for the moment can
+// be free on the next pass, a broken disk, a full or read-only file system, a folder in the
+// way or a missing source cannot.
+bool mayPass(const std::error_code& refusal) {
+    for (const std::errc hopeless :
+         {std::errc::io_error, std::errc::read_only_file_system, std::errc::no_space_on_device,
+          std::errc::cross_device_link, std::errc::no_such_file_or_directory,
+          std::errc::not_a_directory, std::errc::is_a_directory, std::errc::filename_too_long,
+          std::errc::too_many_symbolic_link_levels}) {
+        if (refusal == hopeless) {
+            return false;
+        }
+    }
+    return true;
+}
+
 // Replaces `target` by `tmp`. A rename that refuses an existing target is answered by moving
 // the target aside and trying again at once; competing writers meet pauses after passes 333,
-// 666 and 999; after 1000 passes the save gives up (restoreTarget then puts a target that was
-// moved aside back). The last refusal's text when it gave up, else none.
+// 666 and 999; after 1000 passes, or at once for a refusal that no retry can cure, the save
+// gives up (restoreTarget then puts a target that was moved aside back). The last refusal's
+// text when it gave up, else none.
 boost::optional<std::string> replaceTarget(fs::FileSystem& files, const fs::upath& tmp,
                                            const fs::upath& target, const fs::upath& previous) {
     for (int attempts = 1;; ++attempts) {
@@ -155,6 +172,9 @@ boost::optional<std::string> replaceTarget(fs::FileSystem& files, const fs::upat
             try {
                 files.rename(target, previous);
             } catch (const fs::FsysExceptionBase&) {
+            }
+            if (!mayPass(refused.code())) {
+                return std::string(refused.code().message());
             }
             if (attempts % 333 == 0) {
                 std::srand(static_cast<unsigned>(std::time(nullptr)));

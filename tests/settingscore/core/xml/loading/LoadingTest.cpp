@@ -141,6 +141,67 @@ TEST_F(LoadingTest, BadFilesAreReportedOnceWhileWhatLoadedStays) {
     EXPECT_EQ(7, boost::any_cast<int>(product("q")->getAny("aExtra", "user")));
 }
 
+// Each way a user file used to be lost at load: load, change one unrelated key (which saves the
+// product's file), restart; every earlier user value is still served, or held back and kept in
+// the file, or, for a file that does not parse, in a kept copy.
+TEST_F(LoadingTest, LoadingNeverCostsAUserValue) {
+    // A validator whose library is gone, and a range a newer factory file narrowed.
+    file("factory/p/p.settings",
+         document("p", "<validationfunc type='C' packagename='removedAddOn' functionname='f'/>" +
+                           intKey("checked", 1) +
+                           intKey("narrowed", 5,
+                                  "<metadata><max>10</max>"
+                                  "</metadata>") +
+                           intKey("other", 0) + intKey("spare", 0)));
+    file("user/p.settings", document("p", intKey("checked", 2) + intKey("narrowed", 50) +
+                                              intKey("other", 1) + intKey("spare", 1)));
+    // A file that does not parse (cut short by a crash of an older writer).
+    file("factory/q/q.settings", document("q", intKey("k", 0) + intKey("other", 0)));
+    const std::string truncated = document("q", intKey("k", 3)).substr(0, 120);
+    file("user/q.settings", truncated);
+    for (int start = 0; start < 2; ++start) {
+        const std::wstring report = firstTouchFailure("p");
+        EXPECT_NE(std::wstring::npos, report.find(L"p.narrowed is held back")) << report;
+        EXPECT_EQ(2, intAt("checked", "user")) << "no validation function runs at load";
+        EXPECT_EQ(5, intAt("narrowed", "")) << "a held-back value is not served";
+        const auto status = product("p")->getProductFileStatus();
+        ASSERT_EQ(1u, status.heldBack.size());
+        EXPECT_EQ("p.narrowed", status.heldBack[0].path);
+        product("p")->removeValue(start == 0 ? "other" : "spare", "user");  // saves the file
+        EXPECT_EQ(start == 0, firstTouchFailure("q").find(L" is kept as ") != std::wstring::npos);
+        product("q")->setAny("other", 4 + start, "user");
+        sc::TSettings::reset(AnyInstanceID);
+    }
+    const std::string userText = testsupport::readFile(dir_.path() / "user/p.settings");
+    EXPECT_NE(std::string::npos, userText.find("<value>50</value>")) << userText;
+    const auto copies = product("q")->getProductFileStatus().keptCopies;
+    ASSERT_EQ(1u, copies.size()) << "the same unreadable bytes are kept once";
+    EXPECT_EQ(truncated, testsupport::readFile(copies[0]));
+    EXPECT_EQ(5, boost::any_cast<int>(product("q")->getAny("other", "user")));
+    // Resetting the held-back key drops what was held back.
+    EXPECT_NE(L"", firstTouchFailure("p"));
+    product("p")->removeValue("narrowed", "user");
+    sc::TSettings::reset(AnyInstanceID);
+    EXPECT_EQ(L"", firstTouchFailure("p"));
+    EXPECT_EQ(5, intAt("narrowed", ""));
+}
+
+TEST_F(LoadingTest, RelativeLevelFoldersAreTakenAgainstTheFirstWorkingDirectory) {
+    const std::filesystem::path here = std::filesystem::current_path();
+    std::filesystem::current_path(dir_.path());
+    file("factory/p/p.settings", document("p", intKey("k", 1)));
+    {
+        const testsupport::EnvVarGuard factory("SETTINGS_FACTORYDIR", "factory");
+        const testsupport::EnvVarGuard user("SETTINGS_USERDIR", "./user");
+        sc::TSettings::reset(AnyInstanceID);
+        product("p")->setAny("k", 2, "user");
+        std::filesystem::current_path(here);  // a later change of folder moves nothing
+        sc::TSettings::reset(AnyInstanceID);
+        EXPECT_EQ(2, intAt("k", ""));
+    }
+    EXPECT_TRUE(std::filesystem::exists(dir_.path() / "user/p.settings"));
+}
+
 TEST_F(LoadingTest, TheSampleProductsLoadWithoutAComplaint) {
     sc::TSettings::setSettingsFileLocation(
         BlessedInstanceID, std::wstring(SETTINGSCORE_SOURCE_ROOT L"/examples/factory"), boost::none,
