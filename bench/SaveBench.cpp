@@ -7,6 +7,9 @@
 //     with one write call, the file's data flushed (fdatasync), the rename, and the folder
 //     flushed (fsync), as a durable save does.
 //   Save_Fast: the same with durable saving off / the same floor without the two flushes.
+//   Shared_Save_Durable, Shared_Save_Fast: the same saves, their floor the same saves without
+//     the product's lock file and the check for another process's changes: what sharing the
+//     file with other processes costs.
 // The floor's temporary folder is made once: making a fresh one per save is a cost of the save.
 #include <settingscore/core/Settings.hpp>
 #include <settingscore/core/TSettings.hpp>
@@ -136,6 +139,26 @@ void BM_Save_Fast(benchmark::State& state) {
     sc::turnOnDurableSaving();
 }
 
+void BM_Shared_Save_Durable(benchmark::State& state) {
+    BM_Save_Durable(state);
+}
+
+void BM_Shared_Save_Fast(benchmark::State& state) {
+    BM_Save_Fast(state);
+}
+
+void BM_Floor_Shared_Save_Durable(benchmark::State& state) {
+    sc::detail::setSharedFileSaving(false);
+    BM_Save_Durable(state);
+    sc::detail::setSharedFileSaving(true);
+}
+
+void BM_Floor_Shared_Save_Fast(benchmark::State& state) {
+    sc::detail::setSharedFileSaving(false);
+    BM_Save_Fast(state);
+    sc::detail::setSharedFileSaving(true);
+}
+
 // The bytes to the temporary file in one write, then the replace; with `durable`, the
 // flushes of the file's data and of the folder.
 void writeAndReplace(const Product& product, bool durable) {
@@ -181,5 +204,10 @@ BENCHMARK(BM_Save_Durable)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMi
 BENCHMARK(BM_Floor_Save_Durable)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_Save_Fast)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_Floor_Save_Fast)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
+// Interleaved, with and without, so that the disk's mood falls on both alike.
+BENCHMARK(BM_Shared_Save_Durable)->Arg(1000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Floor_Shared_Save_Durable)->Arg(1000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Shared_Save_Fast)->Arg(1000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Floor_Shared_Save_Fast)->Arg(1000)->Unit(benchmark::kMicrosecond);
 
 BENCHMARK_MAIN();

@@ -1,6 +1,8 @@
 // SettingsImpl: construction, the plain flag and name getters, validators and identity.
 #include <settingscore/core/SettingsImpl.hpp>
 
+#include <settingscore/core/SettingsImplRoot.hpp>
+
 #include <settingscore/core/detail/LockInstantiation.hpp>
 #include <settingscore/core/storage/detail/ProductFileState.hpp>
 
@@ -61,20 +63,12 @@ SettingsImpl::SettingsImpl(const SettingsImpl& other)
     }
 }
 
-SettingsImpl::~SettingsImpl() {
-    delete fileState_.load(std::memory_order_acquire);
-}
+SettingsImpl::~SettingsImpl() = default;
 
-detail::ProductFileState& SettingsImpl::fileState() const {
-    detail::ProductFileState* state = fileState_.load(std::memory_order_acquire);
-    if (state) {
-        return *state;
-    }
-    auto made = std::make_unique<detail::ProductFileState>();
-    if (fileState_.compare_exchange_strong(state, made.get(), std::memory_order_acq_rel)) {
-        return *made.release();
-    }
-    return *state;  // another thread made it first
+std::shared_ptr<detail::ProductFileState> SettingsImpl::fileState() const {
+    // The weak parent is read without the tree's lock, as isOnTree reads it.
+    const auto root = boost::dynamic_pointer_cast<SettingsImplRoot>(parent_.lock());
+    return root ? root->fileStateOf(*this) : std::make_shared<detail::ProductFileState>();
 }
 
 template <class Lock>
@@ -84,7 +78,7 @@ void SettingsImpl::markChanged(const Lock& lock, const SettingsImpl& node,
     if (!product || !product->isProductNode(lock)) {
         return;
     }
-    product->fileState().markChanged(level, node.getFullName(lock));
+    product->fileState()->markChanged(level, node.getFullName(lock));
 }
 
 #define SETTINGSCORE_INSTANTIATE_MARK_CHANGED(Lock) \

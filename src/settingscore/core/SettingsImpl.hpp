@@ -21,6 +21,7 @@
 
 #include <atomic>
 #include <map>
+#include <memory>
 #include <ostream>
 #include <set>
 #include <string>
@@ -219,9 +220,10 @@ public:
     template <class Lock>
     static void markChanged(const Lock& lock, const SettingsImpl& node, const std::string& level);
 
-    // The state of this product node's files (storage/detail/ProductFileState.hpp), made on
-    // first use; every node can have one, only product nodes use it.
-    detail::ProductFileState& fileState() const;
+    // The state of this product node's files (storage/detail/ProductFileState.hpp), kept by
+    // its root and made on first use; a node that is no product node gets a state of its own
+    // that nobody else sees (it has no files).
+    std::shared_ptr<detail::ProductFileState> fileState() const;
 
     // --- Writing a node as settings file text (internal forms) ---
 
@@ -324,8 +326,6 @@ protected:
     const hostsvc::msg_svc::exchange::IDType nodeId_;
     RunTimeDefaultVariant runTimeDefault_;
     mutable boost::optional<int> typeCode_;
-    // Made on first use by fileState(), deleted with the node.
-    mutable std::atomic<detail::ProductFileState*> fileState_{nullptr};
 };
 
 }  // namespace core

@@ -37,7 +37,7 @@ ProductFileStatus Settings::getProductFileStatus() const {
     const auto root = boost::static_pointer_cast<SettingsImplRoot>(product->getParentImpl(lock));
     status.product = product->getName();
     const auto manager = SettingsLevelManager::getSettingsLevelManagerInstance();
-    for (const auto& level : product->fileState().snapshot()) {
+    for (const auto& level : product->fileState()->snapshot()) {
         const detail::LevelFile& file = level.second;
         for (const auto& held : file.heldBack) {
             status.heldBack.push_back(

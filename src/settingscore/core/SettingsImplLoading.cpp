@@ -41,7 +41,7 @@ void loadWrittenLevelFile(const SettingsImpl& product, const SettingsLevel& leve
     }
     fs::FileSystem& files = fs::FileSystem::current();
     const fs::upath folder(dir);
-    detail::ProductFileState& state = product.fileState();
+    detail::ProductFileState& state = *product.fileState();
     const auto fileName = detail::findProductFile(files, folder, product.getName());
     if (!fileName) {
         state.access(level.levelName(), [](detail::LevelFile& file) {

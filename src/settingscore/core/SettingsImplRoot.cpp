@@ -2,6 +2,7 @@
 
 #include <settingscore/core/SettingsRootStateMgr.hpp>
 #include <settingscore/core/exception/MessageIds.hpp>
+#include <settingscore/core/storage/detail/ProductFileState.hpp>
 
 #include <platform/hf/app/FastExit.hpp>
 
@@ -64,6 +65,21 @@ std::wstring SettingsImplRoot::getUserDirectory() const {
         std::cerr << "TOLVAN Shutdown : Failed To Create Preference Directory." << std::endl;
         hf::app::fast_exit(1);
     }
+}
+
+std::shared_ptr<detail::ProductFileState> SettingsImplRoot::fileStateOf(
+    const SettingsImpl& product) {
+    std::lock_guard<std::mutex> guard(fileStatesMutex_);
+    auto& state = fileStates_[&product];
+    if (!state) {
+        state = std::make_shared<detail::ProductFileState>();
+    }
+    return state;
+}
+
+void SettingsImplRoot::dropFileStateOf(const SettingsImpl& product) {
+    std::lock_guard<std::mutex> guard(fileStatesMutex_);
+    fileStates_.erase(&product);
 }
 
 void SettingsImplRoot::dropRecordedEvents() {

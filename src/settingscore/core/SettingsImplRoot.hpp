@@ -8,6 +8,9 @@
 #include <boost/thread/mutex.hpp>
 
 #include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
 #include <queue>
 
 namespace settings {
@@ -49,12 +52,21 @@ public:
     // Exchanges `queue`'s content with the recorded events. Locks eventQueueMutex_.
     void swapEventQueue(std::queue<boost::shared_ptr<const SettingsEvent>>& queue);
 
+    // The file state of product node `product` of this root, made on first use; and dropped
+    // when the product leaves the root (a product added again starts afresh). Lock
+    // fileStatesMutex_, a leaf.
+    std::shared_ptr<detail::ProductFileState> fileStateOf(const SettingsImpl& product);
+    void dropFileStateOf(const SettingsImpl& product);
+
 private:
     const tvutil::contextmgr::InstanceID instanceId_;
     std::deque<boost::shared_ptr<const SettingsEvent>> eventQueue_;
     std::atomic<bool> recordEvents_{false};
     mutable boost::mutex eventQueueMutex_;
     const boost::weak_ptr<SettingsRootStateMgr> stateMgr_;
+    // Beside the tree rather than in every node: only product nodes have files.
+    std::mutex fileStatesMutex_;
+    std::map<const SettingsImpl*, std::shared_ptr<detail::ProductFileState>> fileStates_;
 };
 
 }  // namespace core

@@ -255,18 +255,24 @@ void SettingsImpl::detachChild(const boost::shared_ptr<SettingsImpl>& child) {
             markChanged(lock, *child, level->levelName());
         }
     }
+    // A removed product takes the state of its files with it.
+    const auto fileState = wasProduct ? child->fileState() : nullptr;
     {
         detail::UniqueFromUpgrade exclusive(lock);
         children_.erase(found);
         child->parent_.reset();
+    }
+    if (wasProduct) {
+        boost::static_pointer_cast<SettingsImplRoot>(shared_from_this())->dropFileStateOf(*child);
     }
     detail::publishNodeRemoved(lock, *this, *child);
     if (!onTree) {
         return;
     }
     if (wasProduct) {
-        detail::deleteProductFiles(
-            *child, boost::static_pointer_cast<SettingsImplRoot>(shared_from_this()), levels);
+        detail::deleteProductFiles(*child, *fileState,
+                                   boost::static_pointer_cast<SettingsImplRoot>(shared_from_this()),
+                                   levels);
         return;
     }
     for (const auto* level : levels) {

@@ -311,7 +311,7 @@ void SettingsImpl::removeValue(const std::string& name, const std::string& level
     const auto product = productNodeOf(lock);
     const std::string path = key->getFullName(lock);
     const bool heldBack = key->values_.count(level) == 0 &&
-                          product->fileState().access(level, [&](detail::LevelFile& file) {
+                          product->fileState()->access(level, [&](detail::LevelFile& file) {
                               return file.heldBack.count(path) != 0;
                           });
     if (!heldBack) {

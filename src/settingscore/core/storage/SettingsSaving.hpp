@@ -21,6 +21,12 @@ namespace detail {
 bool isSettingsSavingOn();
 bool isDurableSaving();
 
+// Whether a save holds the product's lock file and first takes in what another process saved
+// (on). Off only to measure what that costs: two processes would then lose each other's
+// changes.
+void setSharedFileSaving(bool on);
+bool isSharedFileSaving();
+
 }  // namespace detail
 }  // namespace core
 }  // namespace settings

@@ -144,18 +144,26 @@ TakeInResult takeInFileChanges(UpgradeLock& lock, SettingsImpl& product, const S
                                fs::FileSystem& files, const fs::upath& folder, bool durable) {
     requireUpgradeLock(lock);
     TakeInResult result;
-    ProductFileState& state = product.fileState();
+    const std::shared_ptr<ProductFileState> held = product.fileState();
+    ProductFileState& state = *held;
     const std::string levelName = level.levelName();
-    LevelFile known = state.access(levelName, [](LevelFile& file) { return file; });
-    std::string fileName = known.fileName;
+    // What is known of the file, without copying what only a read needs.
+    std::string fileName;
+    bool seen = false, mustKeepCopy = false;
+    fs::FileInfo version;
+    state.access(levelName, [&](LevelFile& known) {
+        fileName = known.fileName;
+        seen = known.seen;
+        version = known.version;
+        mustKeepCopy = known.unreadable && !known.copyKept;
+    });
     if (fileName.empty()) {
         fileName = findProductFile(files, folder, product.getName())
                        .value_or(defaultFileNameOf(product.getName()));
     }
     const fs::upath file = folder / fs::upath(fileName);
-    const bool mustKeepCopy = known.unreadable && !known.copyKept;
     const fs::FileInfo now = files.examine(file);
-    if (known.seen && !mustKeepCopy && isSameVersion(now, known.version)) {
+    if (seen && !mustKeepCopy && isSameVersion(now, version)) {
         return result;  // nobody else wrote it since
     }
     if (now.exists() && now.type != fs::file_type::regular) {
@@ -181,7 +189,9 @@ TakeInResult takeInFileChanges(UpgradeLock& lock, SettingsImpl& product, const S
         }
         return result;
     }
-    FileTakeIn::Walk walk{lock, levelName, known.changed, file.wstring(), {}, 0};
+    const std::set<std::string> changed =
+        state.access(levelName, [](LevelFile& known) { return known.changed; });
+    FileTakeIn::Walk walk{lock, levelName, changed, file.wstring(), {}, 0};
     FileTakeIn::takeGroup(walk, product, read.tree.get(), product.getFullName(lock));
     state.access(levelName, [&](LevelFile& level) {
         level.fileName = read.version.exists() ? fileName : level.fileName;

@@ -192,7 +192,9 @@ void writeAndReplace(UpgradeLock& lock, SaveJob& job) {
     sweepLeftovers(job.files, job.folder);
 
     const TakeInResult takenIn =
-        takeInFileChanges(lock, job.product, job.level, job.files, job.folder, job.durable);
+        isSharedFileSaving()
+            ? takeInFileChanges(lock, job.product, job.level, job.files, job.folder, job.durable)
+            : TakeInResult();
     // The read may have found the file under another spelling of the product's name.
     job.fileName =
         job.state.access(job.level.levelName(), [](LevelFile& file) { return file.fileName; });
@@ -318,7 +320,8 @@ void saveSettingsAtLevel(UpgradeLock& lock, const SettingsLevel* level, const Se
     if (folder.empty()) {
         return;
     }
-    ProductFileState& state = product->fileState();
+    const std::shared_ptr<ProductFileState> stateHeld = product->fileState();
+    ProductFileState& state = *stateHeld;
     const std::string fileName = defaultFileNameOf(product->getName());  // until the file is read
     SaveJob job{fs::FileSystem::current(),    *product,         *level, state, folder, fileName,
                 folder / fs::upath(fileName), isDurableSaving()};
@@ -332,7 +335,8 @@ void saveSettingsAtLevel(UpgradeLock& lock, const SettingsLevel* level, const Se
         recordFailure(job, "make the level's folder", e);
         throw;
     }
-    const std::unique_ptr<fs::FileLock> held = lockProductFile(job);
+    const std::unique_ptr<fs::FileLock> held =
+        isSharedFileSaving() ? lockProductFile(job) : nullptr;
     try {
         writeAndReplace(lock, job);
     } catch (const fs::FsysExceptionBase& e) {
@@ -341,14 +345,13 @@ void saveSettingsAtLevel(UpgradeLock& lock, const SettingsLevel* level, const Se
     }
 }
 
-void deleteProductFiles(const SettingsImpl& product,
+void deleteProductFiles(const SettingsImpl& product, ProductFileState& state,
                         const boost::shared_ptr<SettingsImplRoot>& root,
                         const std::vector<const SettingsLevel*>& levels) {
     if (!isSettingsSavingOn()) {
         return;
     }
     fs::FileSystem& files = fs::FileSystem::current();
-    ProductFileState& state = product.fileState();
     for (const SettingsLevel* level : levels) {
         const fs::upath folder(resolveLevelDirectory(*level, root));
         if (folder.empty()) {
@@ -376,6 +379,7 @@ namespace {
 
 std::atomic<bool> savingOn{true};
 std::atomic<bool> durableSaving{true};
+std::atomic<bool> sharedFileSaving{true};
 
 }  // namespace
 
@@ -384,6 +388,12 @@ bool detail::isDurableSaving() {
 }
 bool detail::isSettingsSavingOn() {
     return savingOn.load();
+}
+void detail::setSharedFileSaving(bool on) {
+    sharedFileSaving = on;
+}
+bool detail::isSharedFileSaving() {
+    return sharedFileSaving.load();
 }
 
 void turnOffSettingsSaving() {

@@ -18,6 +18,10 @@ class SettingsImpl;
 class SettingsImplRoot;
 
 namespace detail {
+class ProductFileState;
+}
+
+namespace detail {
 
 // Rewrites the file of `node`'s product at `level`, holding the product's lock file against
 // other processes: first the changes another process saved since this one last read or wrote
@@ -42,8 +46,9 @@ hf::filesystem::upath createSaveTempDirectory(hf::filesystem::FileSystem& files,
                                               const hf::filesystem::upath& folder);
 
 // Deletes the files of `product`, which was just removed from below `root`, at each level of
-// `levels`, under the product's lock file. Nothing while saving is off.
-void deleteProductFiles(const SettingsImpl& product,
+// `levels`, under the product's lock file; `state` is the state its files had. Nothing while
+// saving is off.
+void deleteProductFiles(const SettingsImpl& product, ProductFileState& state,
                         const boost::shared_ptr<SettingsImplRoot>& root,
                         const std::vector<const SettingsLevel*>& levels);
 
