@@ -45,6 +45,10 @@ TEST_F(SavingTest, ExportsWriteOneProductFrameRefuseBadSelectionsAndImportBackFo
                  CannotExportStandaloneSettings);
     EXPECT_THROW(sc::Settings::exportSettings({at("p.g")}, L"relative.settings", "user"),
                  ErrorExportOrImportSettingsUsingRelativePath);
+    EXPECT_THROW(sc::Settings::exportSettings({at("p.g")}, dir_.wpath("x.settings"), "nolevel"),
+                 UnSupportedLevel);
+    EXPECT_THROW(sc::Settings::exportSettings({}, dir_.wpath("x.settings"), "user"),
+                 NoNodeSelectedForExport);
     EXPECT_FALSE(std::filesystem::exists(dir_.path() / "x.settings"));
 
     // A group and a key inside it: the group in full. Import it, change the live values, merge
@@ -57,8 +61,11 @@ TEST_F(SavingTest, ExportsWriteOneProductFrameRefuseBadSelectionsAndImportBackFo
     g->setAny("b", std::wstring(L"changed"), "user");
     root()->getChild("p")->mergeWith(imported, "user");
     EXPECT_EQ(L"bee", boost::any_cast<std::wstring>(g->getAny("b", "user")));
+    // A product nobody touched yet is read before it is exported, not written empty.
     sc::TSettings::reset(AnyInstanceID);
-    EXPECT_EQ(1, boost::any_cast<int>(root()->getNodeByPath("p.g")->getAny("a", "user")));
+    sc::Settings::exportSettings({root()->getChild("p")}, dir_.wpath("all.settings"), "user");
+    const auto again = sc::Settings::importAsStandaloneObject(dir_.wpath("all.settings"));
+    EXPECT_EQ(1, boost::any_cast<int>(again->getNodeByPath("g")->getAny("a", "user")));
 }
 
 TEST_F(SavingTest, AFactoryFileFromAStandaloneTreeLoadsAsThatProductsFactoryFile) {

@@ -93,7 +93,11 @@ TEST_F(ValuesTest, WritesAndMergesAreAllOrNothingAndOnlyEffectiveChangesAreAnnou
     EXPECT_EQ(7, boost::any_cast<int>(group->getAny("b", "session")));
     EXPECT_EQ(L"new", text(group->getAny("added", "session")));
     EXPECT_FALSE(incoming->getChild("added")->isOnTree()) << "the live tree holds a copy";
-    EXPECT_EQ(2u, drainEvents().size());
+    EXPECT_EQ(2u, drainEvents().size());  // b's value, "added" attached
+    group->removeKey("added");
+    drainEvents();
+    group->mergeWith(incoming, "user");  // b merged, though "session" hides it
+    EXPECT_EQ((std::vector<std::string>{"p.g.b", "p.g.added"}), drainEvents());
     EXPECT_THROW(group->mergeWith(group->getParent(), "user"), ErrorMergingWithCircularReference);
     EXPECT_THROW(root()->mergeWith(incoming, "user"), CannotMergeWithSettingsRoot);
     EXPECT_THROW(group->mergeWith(incoming, "factory"), CantModifyValuesOnReadOnlyLevel);
