@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <utility>
 
 namespace tvsettings {
 
@@ -31,6 +32,27 @@ void collectValues(const sc::SettingsPtr& node, std::map<std::string, Json>& val
     }
     for (const sc::SettingsPtr& child : node->getChildren()) {
         collectValues(child, values);
+    }
+}
+
+// A save that fails throws nothing: the library records it for the product and level until a
+// save there succeeds. In a process as short as the tool's, a record at `level` can only come
+// from the change just made, which then ends with the process: that is a failure. A level
+// without files (session) is never saved and so never recorded.
+void requireSaved(const sc::Settings& node, const std::string& level, const std::string& change,
+                  Details details) {
+    for (const sc::SaveFailure& failure : node.getProductFileStatus().saveFailures) {
+        if (failure.level != level) {
+            continue;
+        }
+        const std::string file = to_string(failure.file);
+        details.insert(
+            details.end(),
+            {{"level", level}, {"step", failure.step}, {"file", file}, {"error", failure.error}});
+        throw ToolFailure(ExitCode::Storage, "SaveFailed",
+                          change + ", but not saved: " + failure.step + " failed for " + file +
+                              ": " + failure.error,
+                          std::move(details));
     }
 }
 
@@ -92,6 +114,8 @@ CommandResult setCommand(const Session& session, const Request& request) {
                           {{"path", request.path}, {"values", "0"}});
     }
     key.parent->setAny(key.name, parseValue(typeCode, request.values, asArray), request.level);
+    requireSaved(*key.parent, request.level, request.path + " was set at level " + request.level,
+                 {{"path", request.path}});
     CommandResult result;
     result.data = {{"path", request.path},
                    {"level", request.level},
@@ -104,6 +128,9 @@ CommandResult resetCommand(const Session& session, const Request& request) {
     const KeyRef key = session.key(request.path);
     Session::requireLevel(request.level);
     key.parent->removeValue(key.name, request.level);
+    requireSaved(*key.parent, request.level,
+                 "the value of " + request.path + " at level " + request.level + " was removed",
+                 {{"path", request.path}});
     CommandResult result;
     result.data = {{"path", request.path},
                    {"level", request.level},
@@ -158,6 +185,9 @@ CommandResult importCommand(const Session& session, const Request& request) {
     std::map<std::string, Json> before;
     collectValues(target, before);
     target->mergeWith(source, request.level);
+    requireSaved(*target, request.level,
+                 request.file + " was merged into " + targetPath + " at level " + request.level,
+                 {{"imported", request.file}, {"into", targetPath}});
     std::map<std::string, Json> after;
     collectValues(target, after);
     Json changed = Json::array();
