@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <utility>
+#include <vector>
 
 namespace tvsettings {
 
@@ -17,6 +19,7 @@ namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 using hf::i18n::to_string;
 using hf::i18n::to_ustring;
+using tvutil::contextmgr::BlessedInstanceID;
 
 // The effective value of every key at and below `node`, by path; a key whose value cannot be
 // had is left out.
@@ -32,6 +35,65 @@ void collectValues(const sc::SettingsPtr& node, std::map<std::string, Json>& val
     for (const sc::SettingsPtr& child : node->getChildren()) {
         collectValues(child, values);
     }
+}
+
+// A save that fails throws nothing: the library records it for the product and level until a
+// save there succeeds. In a process as short as the tool's, a record at `level` can only come
+// from the change just made, which then ends with the process: that is a failure. A level
+// without files (session) is never saved and so never recorded.
+void requireSaved(const sc::Settings& node, const std::string& level, const std::string& change,
+                  Details details) {
+    for (const sc::SaveFailure& failure : node.getProductFileStatus().saveFailures) {
+        if (failure.level != level) {
+            continue;
+        }
+        const std::string file = to_string(failure.file);
+        details.insert(
+            details.end(),
+            {{"level", level}, {"step", failure.step}, {"file", file}, {"error", failure.error}});
+        throw ToolFailure(ExitCode::Storage, "SaveFailed",
+                          change + ", but not saved: " + failure.step + " failed for " + file +
+                              ": " + failure.error,
+                          std::move(details));
+    }
+}
+
+// The user file of each product of the tree, by the name the products command shows; none
+// when the tree cannot be had: the files are then checked on their own.
+std::vector<std::pair<fs::path, sc::SettingsPtr>> productUserFiles(const FolderOptions& folders) {
+    std::vector<std::pair<fs::path, sc::SettingsPtr>> userFiles;
+    try {
+        const Session session(folders);
+        const sc::SettingsPtr root = session.root();
+        const fs::path userDir = sc::TSettings::getUserDir(BlessedInstanceID);
+        for (const sc::SettingsPtr& product : root->getChildren()) {
+            userFiles.emplace_back(userDir / (product->getName() + ".settings"), product);
+        }
+    } catch (...) {
+        userFiles.clear();
+    }
+    return userFiles;
+}
+
+// The product whose user file `file` is, with what its files showed (see productFilesJson);
+// null when it is no product's user file.
+Json userFileStatus(const std::vector<std::pair<fs::path, sc::SettingsPtr>>& userFiles,
+                    const fs::path& file) {
+    for (const auto& [userFile, product] : userFiles) {
+        std::error_code error;
+        if (!fs::equivalent(file, userFile, error)) {
+            continue;
+        }
+        try {
+            product->getChildren();
+        } catch (const sc::exception::ErrorReadingSettingsData&) {
+            // The first touch reports the load's problems once; the status holds them.
+        }
+        Json status = {{"userFileOf", product->getName()}};
+        status.update(productFilesJson(*product));
+        return status;
+    }
+    return nullptr;
 }
 
 // The problems of one file, empty when the library reads it without complaint.
@@ -92,6 +154,8 @@ CommandResult setCommand(const Session& session, const Request& request) {
                           {{"path", request.path}, {"values", "0"}});
     }
     key.parent->setAny(key.name, parseValue(typeCode, request.values, asArray), request.level);
+    requireSaved(*key.parent, request.level, request.path + " was set at level " + request.level,
+                 {{"path", request.path}});
     CommandResult result;
     result.data = {{"path", request.path},
                    {"level", request.level},
@@ -104,6 +168,9 @@ CommandResult resetCommand(const Session& session, const Request& request) {
     const KeyRef key = session.key(request.path);
     Session::requireLevel(request.level);
     key.parent->removeValue(key.name, request.level);
+    requireSaved(*key.parent, request.level,
+                 "the value of " + request.path + " at level " + request.level + " was removed",
+                 {{"path", request.path}});
     CommandResult result;
     result.data = {{"path", request.path},
                    {"level", request.level},
@@ -158,6 +225,9 @@ CommandResult importCommand(const Session& session, const Request& request) {
     std::map<std::string, Json> before;
     collectValues(target, before);
     target->mergeWith(source, request.level);
+    requireSaved(*target, request.level,
+                 request.file + " was merged into " + targetPath + " at level " + request.level,
+                 {{"imported", request.file}, {"into", targetPath}});
     std::map<std::string, Json> after;
     collectValues(target, after);
     Json changed = Json::array();
@@ -180,11 +250,23 @@ CommandResult importCommand(const Session& session, const Request& request) {
 CommandResult checkCommand(const Request& request) {
     CommandResult result;
     Json files = Json::array();
+    const auto userFiles = productUserFiles(request.folders);
     for (const std::string& file : request.files) {
         Json entry = checkOneFile(file);
         for (const auto& problem : entry["problems"]) {
             result.exitCode =
                 std::max(result.exitCode, static_cast<ExitCode>(problem["exitCode"].get<int>()));
+        }
+        // A product's user file that reads well alone may still hold values its product
+        // refuses (a range a newer factory file narrowed): its content does not fully fit.
+        // A kept copy is only told: if it is of this very file, the problems say why already.
+        const Json status = userFileStatus(userFiles, fs::absolute(file));
+        if (!status.is_null()) {
+            entry.update(status);
+            if (!status["heldBack"].empty()) {
+                entry["ok"] = false;
+                result.exitCode = std::max(result.exitCode, ExitCode::Refused);
+            }
         }
         files.push_back(entry);
     }

@@ -16,7 +16,8 @@ namespace {
 const char footerText[] =
     "Exit codes: 0 success, 1 usage (command, option, path, level, number of values), 2 a "
     "value or file refused (type, range, choices, array size, validator, read-only key or "
-    "level, malformed file), 3 storage (files, folders, libraries).\n"
+    "level, malformed file, a user file with values its product holds back), 3 storage "
+    "(files, folders, libraries, a change that could not be saved).\n"
     "A value that starts with '-' and is no number goes after \"--\".";
 
 // The folder options take absolute paths only: a relative one would mean a different folder

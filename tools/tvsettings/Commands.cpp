@@ -17,7 +17,11 @@ using hf::i18n::to_string;
 // Enough for every product of a tree to fail once.
 const int maxLoadRetries = 1000;
 
-// "<file>\t<reader text>" per line, as "skipped <file>:<line>:<column>: <message>".
+// Marks a line of a load failure that is about one value held back, not about the file.
+const char heldBackMark[] = " is held back, kept in the file but not used: ";
+
+// "<file>\t<reader text>" per line, as "skipped <file>:<line>:<column>: <message>"; a value
+// held back leaves the rest of its file in use, so its line says so instead of "skipped".
 std::vector<std::string> loadProblems(const sc::exception::ErrorReadingSettingsData& failure) {
     std::vector<std::string> problems;
     std::istringstream lines(to_string(failure.getDetailErrorMsg()));
@@ -31,6 +35,10 @@ std::vector<std::string> loadProblems(const sc::exception::ErrorReadingSettingsD
             parseReaderPosition(tab == std::string::npos ? std::string() : line.substr(tab + 1));
         if (tab == std::string::npos) {
             problems.push_back(line);
+            continue;
+        }
+        if (line.find(heldBackMark, tab) != std::string::npos) {
+            problems.push_back(where + ": " + line.substr(tab + 1));
             continue;
         }
         if (position.found) {
@@ -81,9 +89,27 @@ Json effectiveValueJson(const KeyRef& key) {
             {"level", level.empty() ? Json(nullptr) : Json(level)}};
 }
 
+Json productFilesJson(const sc::Settings& node) {
+    const sc::ProductFileStatus status = node.getProductFileStatus();
+    Json heldBack = Json::array();
+    for (const sc::HeldBackValue& held : status.heldBack) {
+        heldBack.push_back({{"path", held.path},
+                            {"level", held.level},
+                            {"file", to_string(held.file)},
+                            {"reason", to_string(held.reason)}});
+    }
+    Json keptCopies = Json::array();
+    for (const std::wstring& copy : status.keptCopies) {
+        keptCopies.push_back(to_string(copy));
+    }
+    return {{"heldBack", heldBack}, {"keptCopies", keptCopies}};
+}
+
 CommandResult runCommand(const Request& request) {
     if (request.command == "check") {
-        return checkCommand(request);  // reads files only: no tree, no folders
+        // Reads files on their own; the tree only tells whose user file one is, and its load
+        // problems are reported as that file's findings, not as warnings.
+        return checkCommand(request);
     }
     const Session session(request.folders);
     // A product whose files fail to read reports them to the first caller only and then

@@ -56,4 +56,9 @@ CommandResult checkCommand(const Request& request);
 // one the effective value comes from (null when no level has one).
 nlohmann::ordered_json effectiveValueJson(const KeyRef& key);
 
+// What the files of `node`'s product showed beyond its values: {"heldBack": [{"path", "level",
+// "file", "reason"}...], "keptCopies": [file...]}, both empty on the root. Reads the product
+// first if nothing touched it yet, which may throw its load problems once.
+nlohmann::ordered_json productFilesJson(const settings::core::Settings& node);
+
 }  // namespace tvsettings

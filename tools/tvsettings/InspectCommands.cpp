@@ -147,11 +147,13 @@ CommandResult productsCommand(const Session& session) {
         if (fs::is_regular_file(userFile)) {
             userFiles.push_back(userFile.string());
         }
-        products.push_back(
-            {{"name", name},
-             {"version", version ? Json(*version) : Json(nullptr)},
-             {"hidden", !product->isVisible()},
-             {"files", {{"factory", settingsFilesIn(factoryDir / folder)}, {"user", userFiles}}}});
+        Json entry = {
+            {"name", name},
+            {"version", version ? Json(*version) : Json(nullptr)},
+            {"hidden", !product->isVisible()},
+            {"files", {{"factory", settingsFilesIn(factoryDir / folder)}, {"user", userFiles}}}};
+        entry.update(productFilesJson(*product));
+        products.push_back(entry);
     }
     CommandResult result;
     result.data = {
@@ -202,6 +204,7 @@ CommandResult describeCommand(const Session& session, const Request& request) {
                            {"hidden", !node->isVisible()},
                            {"groups", groups},
                            {"keys", keys}});
+        answer.update(productFilesJson(*node));
         CommandResult result;
         result.data = answer;
         return result;
@@ -235,6 +238,8 @@ CommandResult describeCommand(const Session& session, const Request& request) {
              {"hidden", !node->isVisible()}});
     answer.update(effectiveValueJson(key));
     answer["levels"] = levels;
+    // The product's, not only this key's: a key's own held-back value is among them by path.
+    answer.update(productFilesJson(*node));
     CommandResult result;
     result.data = answer;
     return result;

@@ -55,6 +55,12 @@ std::string levelText(const Json& level) {
     return level.is_null() ? std::string() : "  (" + level.get<std::string>() + ")";
 }
 
+// "solver.maxIterations (user): <reason>" for a value held back from a product file.
+std::string heldBackText(const Json& held) {
+    return held["path"].get<std::string>() + " (" + held["level"].get<std::string>() +
+           "): " + held["reason"].get<std::string>();
+}
+
 // The node asked for shows its full path, the nodes below it their names.
 void printTree(const Json& node, const std::string& indent, bool top, std::ostream& out) {
     const std::string name = node[top ? "path" : "name"].get<std::string>();
@@ -91,6 +97,12 @@ void printProducts(const Json& data, std::ostream& out) {
                 out << "  " << padded(level.key(), 9) << file.get<std::string>() << "\n";
             }
         }
+        for (const Json& held : product["heldBack"]) {
+            out << "  held back  " << heldBackText(held) << "\n";
+        }
+        for (const Json& copy : product["keptCopies"]) {
+            out << "  kept copy  " << copy.get<std::string>() << "\n";
+        }
     }
 }
 
@@ -114,6 +126,14 @@ void printDescription(const Json& data, std::ostream& out) {
         return text;
     };
     const auto yesNo = [](const Json& flag) { return flag.get<bool>() ? "yes" : "no"; };
+    const auto productFiles = [&line, &data] {
+        for (const Json& held : data["heldBack"]) {
+            line("held back", heldBackText(held));
+        }
+        for (const Json& copy : data["keptCopies"]) {
+            line("kept copy", copy.get<std::string>());
+        }
+    };
     out << data["path"].get<std::string>() << "\n";
     line("kind", data["kind"]);
     if (data["kind"] == "group") {
@@ -125,6 +145,7 @@ void printDescription(const Json& data, std::ostream& out) {
         line("hidden", yesNo(data["hidden"]));
         line("groups", joined(data["groups"]));
         line("keys", joined(data["keys"]));
+        productFiles();
         return;
     }
     const std::string lengths = data["boundsAreLengths"].get<bool>() ? " (text length)" : "";
@@ -142,6 +163,7 @@ void printDescription(const Json& data, std::ostream& out) {
     for (const auto& level : data["levels"].items()) {
         line("at " + level.key(), displayText(level.value()));
     }
+    productFiles();
 }
 
 void printDirs(const Json& data, std::ostream& out) {
@@ -167,6 +189,14 @@ void printCheck(const Json& data, std::ostream& out) {
             }
             out << ": " << problem["class"].get<std::string>() << ": "
                 << problem["message"].get<std::string>() << "\n";
+        }
+        for (const Json& held : file.value("heldBack", Json::array())) {
+            out << name << ": held back by product " << file["userFileOf"].get<std::string>()
+                << ": " << heldBackText(held) << "\n";
+        }
+        for (const Json& copy : file.value("keptCopies", Json::array())) {
+            out << name << ": kept copy of an unreadable version: " << copy.get<std::string>()
+                << "\n";
         }
     }
 }

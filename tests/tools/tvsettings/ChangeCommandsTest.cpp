@@ -122,6 +122,50 @@ TEST_F(ToolTest, ABrokenProductFileIsSkippedWithAWarning) {
     EXPECT_EQ(get.out, "4\n");  // the factory's value
     EXPECT_THAT(get.err, HasSubstr("warning: skipped " + (userDir() / "editor.settings").string()));
     EXPECT_EQ(run("tree --json").outJson()["warnings"].size(), 1u);
+    // The unreadable file was copied aside before anything could replace it.
+    const std::string copy = "kept copy  " + (userDir() / "editor.settings.unreadable-").string();
+    EXPECT_THAT(run("products").out, HasSubstr("\n  " + copy));
+    EXPECT_THAT(run("check user/editor.settings").out,
+                HasSubstr("kept copy of an unreadable version: "));
+}
+
+TEST_F(ToolTest, AValueOutsideItsRangeIsHeldBackShownAndKept) {
+    // The factory allows at most 1000000 iterations.
+    const std::filesystem::path userFile = userDir() / "solver.settings";
+    testsupport::writeFile(
+        userFile,
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<settings name=\"solver\" "
+        "xmlns=\"urn:lindqvare.tolvan.settings\"><key name=\"maxIterations\">"
+        "<uint32><value>2000000</value></uint32></key><key name=\"workerThreads\">"
+        "<int8><value>8</value></int8></key></settings>\n");
+    const std::string held =
+        "solver.maxIterations (user): The value passed in is not in the predefined range\n";
+    const ToolResult products = run("products");
+    EXPECT_EQ(products.exitCode, 0) << products.err;
+    EXPECT_THAT(products.out, HasSubstr(userFile.string() + "\n  held back  " + held));
+    EXPECT_THAT(products.err, HasSubstr("warning: " + userFile.string() +
+                                        ": solver.maxIterations "
+                                        "is held back, kept in the file but not used"));
+    const ToolResult describe = run("describe solver.maxIterations");
+    EXPECT_EQ(describe.exitCode, 0) << describe.err;
+    EXPECT_THAT(describe.out, HasSubstr("  value             1000  (factory)\n"));
+    EXPECT_THAT(describe.out, HasSubstr("\n  held back         " + held));
+    const Json group = run("describe solver --json").outJson();
+    EXPECT_EQ(group["heldBack"][0]["path"], "solver.maxIterations");
+    EXPECT_EQ(group["keptCopies"], Json::array());
+    EXPECT_EQ(run("get solver.workerThreads").out, "8\n");  // the rest of the file is in use
+
+    // Alone the file reads well; as the product's user file it does not fully fit.
+    const ToolResult check = run("check user/solver.settings");
+    EXPECT_EQ(check.exitCode, 2);
+    EXPECT_EQ(check.out, "user/solver.settings: held back by product solver: " + held);
+    const Json checked = run("check user/solver.settings --json").outJson()["files"][0];
+    EXPECT_EQ(checked["userFileOf"], "solver");
+    EXPECT_FALSE(checked["ok"].get<bool>());
+
+    ASSERT_EQ(run("set solver.method secant").exitCode, 0);
+    EXPECT_THAT(keyElement(testsupport::readFile(userFile), "maxIterations"),
+                HasSubstr("<value>2000000</value>"));
 }
 
 }  // namespace

@@ -91,6 +91,24 @@ TEST_F(ToolTest, EachFailureExitsWithItsFamilysCodeAndNamesItsClassAndDetails) {
     EXPECT_EQ(error["details"]["max"], "1000000");
     EXPECT_EQ(error["message"], "The value passed in is not in the predefined range");
     EXPECT_EQ(run("--json nonsense").errJson()["error"]["exitCode"], 1);
+
+    // A save that fails throws nothing in the library: the tool must still not report success.
+    const std::filesystem::path userFile = userDir() / "editor.settings";
+    std::filesystem::remove(userFile);
+    std::filesystem::create_directory(userFile);
+    const ToolResult unsaved = run("set editor.tabWidth 5");
+    EXPECT_EQ(unsaved.exitCode, 3);
+    EXPECT_EQ(unsaved.errorClass(), "SaveFailed");
+    EXPECT_THAT(unsaved.err, HasSubstr("editor.tabWidth was set at level user, but not saved: open "
+                                       "the file for writing failed for " +
+                                       userFile.string() + ": Is a directory\n"));
+    EXPECT_EQ(unsaved.out, "");
+    const Json unsavedJson = run("--json set editor.tabWidth 5").errJson()["error"];
+    EXPECT_EQ(unsavedJson["exitCode"], 3);
+    EXPECT_EQ(unsavedJson["details"]["file"], userFile.string());
+    EXPECT_EQ(run("set editor.tabWidth 5 --level session").exitCode, 0);  // nothing to save
+    ASSERT_EQ(run("export editor.tabWidth --level factory --file @/t.settings").exitCode, 0);
+    EXPECT_EQ(run("import @/t.settings").errorClass(), "SaveFailed");
 }
 
 TEST_F(ToolTest, EveryCommandHasHelp) {
