@@ -68,7 +68,7 @@ set(SETTINGSCORE_INSTALLED_HEADERS
     platform/hf/app/FastExit.hpp
     platform/hf/except/Exception.hpp
     platform/hf/except/IException.hpp
-    platform/hf/filesystem/DirectoryIterator.hpp
+    platform/hf/filesystem/FileSystem.hpp
     platform/hf/filesystem/FilesystemError.hpp
     platform/hf/filesystem/InstallPath.hpp
     platform/hf/filesystem/Operations.hpp

@@ -59,13 +59,14 @@ std::vector<upath> makeFolders(FileSystem& fileSystem, const upath& folder, bool
 }
 
 void removeTree(FileSystem& fileSystem, const upath& path) {
-    const FileInfo info = fileSystem.examine(path);
-    if (!info.exists()) {
-        return;
-    }
-    if (info.type == file_type::directory) {
+    if (fileSystem.examine(path).type == file_type::directory) {
         for (const FolderEntry& entry : fileSystem.listFolder(path)) {
-            removeTree(fileSystem, path / upath(entry.name));
+            const upath inner = path / upath(entry.name);
+            if (entry.type == file_type::directory && !entry.isLink) {
+                removeTree(fileSystem, inner);
+            } else {
+                fileSystem.remove(inner);
+            }
         }
     }
     fileSystem.remove(path);

@@ -13,7 +13,6 @@
 // tests keeps as little of it as the rules allow.
 #pragma once
 
-#include <platform/hf/filesystem/DirectoryIterator.hpp>
 #include <platform/hf/filesystem/Path.hpp>
 
 #include <chrono>
@@ -25,6 +24,9 @@
 
 namespace hf {
 namespace filesystem {
+
+// What is at a path, links followed; not_found for nothing (or a dangling link).
+enum class file_type { not_found, regular, directory, other };
 
 // What the file system tells of a file or folder; links are followed.
 struct FileInfo {
@@ -45,6 +47,7 @@ struct FolderEntry {
     std::string name;
     // Links followed; not_found for a dangling link or an entry gone while it was listed.
     file_type type = file_type::not_found;
+    bool isLink = false;  // the entry itself is a symbolic link
 };
 
 // An exclusive advisory lock on a file, held until this object goes.
@@ -105,7 +108,8 @@ public:
 // callers makes a folder; a folder that is there is no failure.
 std::vector<upath> makeFolders(FileSystem& fileSystem, const upath& folder, bool durable);
 
-// Removes `path` and everything below it; nothing when it is absent.
+// Removes `path` and everything below it; nothing when it is absent. Links are removed, never
+// followed.
 void removeTree(FileSystem& fileSystem, const upath& path);
 
 }  // namespace filesystem

@@ -105,6 +105,10 @@ public:
             } else if (entry->d_type == DT_LNK || entry->d_type == DT_UNKNOWN) {
                 // Only links and file systems that do not say need a look at the target.
                 struct stat status;
+                listed.isLink =
+                    entry->d_type == DT_LNK ||
+                    (::fstatat(::dirfd(dir), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+                     S_ISLNK(status.st_mode));
                 listed.type = ::fstatat(::dirfd(dir), entry->d_name, &status, 0) == 0
                                   ? typeOf(status.st_mode)
                                   : file_type::not_found;
